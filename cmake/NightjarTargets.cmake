@@ -1,0 +1,46 @@
+# SPDX-FileCopyrightText: Nightjar contributors
+# SPDX-License-Identifier: Apache-2.0
+
+# Flags that every target of ours is built with.
+add_library(nightjar_flags INTERFACE)
+target_include_directories(nightjar_flags INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(nightjar_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough
+  $<$<BOOL:${NIGHTJAR_WARNINGS_AS_ERRORS}>:-Werror>)
+if(NIGHTJAR_SANITIZERS)
+  target_compile_options(nightjar_flags INTERFACE
+    -fsanitize=${NIGHTJAR_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(nightjar_flags INTERFACE -fsanitize=${NIGHTJAR_SANITIZERS})
+endif()
+
+# nightjar_module(<name> SOURCES … HEADERS … LINKS … [QT])
+# One static library per layer. Each header is also compiled alone (target all_verify_interface_header_sets).
+function(nightjar_module name)
+  cmake_parse_arguments(MODULE "QT" "" "SOURCES;HEADERS;LINKS;PRIVATE_LINKS" ${ARGN})
+  add_library(${name} STATIC ${MODULE_SOURCES})
+  target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${MODULE_HEADERS})
+  target_link_libraries(${name} PUBLIC nightjar_flags ${MODULE_LINKS} PRIVATE ${MODULE_PRIVATE_LINKS})
+  set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+  if(MODULE_QT)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
+  endif()
+endfunction()
+
+# nightjar_test(<name> SOURCES … LINKS … [LABELS …] [QT])
+function(nightjar_test name)
+  cmake_parse_arguments(TEST "QT" "" "SOURCES;LINKS;LABELS" ${ARGN})
+  add_executable(${name} ${TEST_SOURCES})
+  target_link_libraries(${name} PRIVATE nightjar_flags ${TEST_LINKS} GTest::gmock)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
+  if(TEST_QT)
+    target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/QtTestMain.cpp)
+    target_link_libraries(${name} PRIVATE Qt6::Core)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_compile_definitions(${name} PRIVATE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
+  else()
+    target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT 120 LABELS "${TEST_LABELS}" ENVIRONMENT "TZ=UTC;LC_ALL=C.UTF-8")
+endfunction()
