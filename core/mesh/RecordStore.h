@@ -16,9 +16,9 @@
 
 namespace nightjar {
 
-/// A capped list of records in one JSON file, oldest first, and nothing kept in memory between calls. An actor: its
-/// operations run one at a time, in the order of the calls, on a thread of its own; completions run on that thread.
-/// Any thread may call. Destroying the store finishes what was asked of it first.
+/// A capped list of records in one JSON file, oldest first, and nothing kept in memory between calls. An
+/// actor: its operations run one at a time, in the order of the calls, on a thread of its own; completions
+/// run on that thread. Any thread may call. Destroying the store finishes what was asked of it first.
 template <class Record>
 class RecordStore {
 public:
@@ -34,9 +34,10 @@ public:
     /// All records; none when the file is missing, unreadable or not a list of records.
     void load(Loaded done);
 
-    /// Adds a record unless it is a duplicate, and drops the oldest beyond `maximumCount` (at least 1). Gives a sentence
-    /// for the user when the file could not be written; the file is then unchanged.
-    /// Appends that wait together share one reading and one writing of the file.
+    /// Adds a record unless it is a duplicate, and drops the oldest beyond `maximumCount` (at least 1). Gives
+    /// a sentence for the user when the file could not be written; the file is then unchanged. Appends that
+    /// wait together share one reading and one writing of the file. While the disk hangs, at most the newest
+    /// 2 * `maximumCount` wait; the older ones fail.
     void append(Record record, std::size_t maximumCount, Appended done = {});
 
 private:
