@@ -10,7 +10,8 @@ namespace {
 constexpr std::array<std::int8_t, 256> makeHexValues() {
     std::array<std::int8_t, 256> values{};
     values.fill(-1);
-    for (int i = 0; i < 10; ++i) values[static_cast<std::size_t>('0' + i)] = static_cast<std::int8_t>(i);
+    for (int i = 0; i < 10; ++i)
+        values[static_cast<std::size_t>('0' + i)] = static_cast<std::int8_t>(i);
     for (int i = 0; i < 6; ++i) {
         values[static_cast<std::size_t>('a' + i)] = static_cast<std::int8_t>(10 + i);
         values[static_cast<std::size_t>('A' + i)] = static_cast<std::int8_t>(10 + i);
@@ -19,9 +20,9 @@ constexpr std::array<std::int8_t, 256> makeHexValues() {
 }
 constexpr auto hexValues = makeHexValues();
 
-constexpr bool hyphenBefore(std::size_t byte) {
-    return byte == 4 || byte == 6 || byte == 8 || byte == 10;
-}
+/// Where the two digits of each byte begin; hyphens stand between.
+constexpr std::array<std::size_t, 16> digitsAt{0, 2, 4, 6, 9, 11, 14, 16, 19, 21, 24, 26, 28, 30, 32, 34};
+constexpr std::array<std::size_t, 4> hyphensAt{8, 13, 18, 23};
 
 } // namespace
 
@@ -38,31 +39,39 @@ Uuid Uuid::random() {
 }
 
 std::optional<Uuid> Uuid::fromText(std::string_view text) {
-    if (text.size() != 36) return std::nullopt;
+    if (text.size() != textLength)
+        return std::nullopt;
+    for (const auto at : hyphensAt) {
+        if (text[at] != '-')
+            return std::nullopt;
+    }
     Uuid uuid;
-    std::size_t at = 0;
     int seen = 0;
-    for (std::size_t i = 0; i < 16; ++i) {
-        if (hyphenBefore(i) && text[at++] != '-') return std::nullopt;
-        const int high = hexValues[static_cast<unsigned char>(text[at++])];
-        const int low = hexValues[static_cast<unsigned char>(text[at++])];
+    for (std::size_t i = 0; i < uuid.bytes.size(); ++i) {
+        const int high = hexValues[static_cast<unsigned char>(text[digitsAt[i]])];
+        const int low = hexValues[static_cast<unsigned char>(text[digitsAt[i] + 1])];
         seen |= high | low; // negative as soon as one character is no hexadecimal digit
         uuid.bytes[i] = static_cast<std::uint8_t>((high & 15) << 4 | (low & 15));
     }
-    if (seen < 0) return std::nullopt;
+    if (seen < 0)
+        return std::nullopt;
     return uuid;
 }
 
 std::string Uuid::text() const {
+    std::array<char, textLength> text;
+    write(text);
+    return {text.data(), text.size()};
+}
+
+void Uuid::write(std::span<char, textLength> text) const {
     constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string text;
-    text.reserve(36);
-    for (std::size_t i = 0; i < 16; ++i) {
-        if (hyphenBefore(i)) text += '-';
-        text += digits[bytes[i] >> 4];
-        text += digits[bytes[i] & 15];
+    for (const auto at : hyphensAt)
+        text[at] = '-';
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        text[digitsAt[i]] = digits[bytes[i] >> 4];
+        text[digitsAt[i] + 1] = digits[bytes[i] & 15];
     }
-    return text;
 }
 
 } // namespace nightjar

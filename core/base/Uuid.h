@@ -7,6 +7,7 @@
 #include <cstring>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,8 @@ namespace nightjar {
 
 /// A 128-bit identifier, compared by value.
 struct Uuid {
+    static constexpr std::size_t textLength = 36;
+
     std::array<std::uint8_t, 16> bytes{};
 
     /// Version 4 from the system's random source. Any thread.
@@ -22,6 +25,8 @@ struct Uuid {
     [[nodiscard]] static std::optional<Uuid> fromText(std::string_view text);
     /// Canonical form in upper case.
     [[nodiscard]] std::string text() const;
+    /// `text()` without an allocation.
+    void write(std::span<char, textLength> text) const;
 
     bool operator==(const Uuid&) const = default;
     auto operator<=>(const Uuid&) const = default;

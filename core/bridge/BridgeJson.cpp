@@ -75,7 +75,8 @@ namespace {
 template <class Record>
 std::expected<std::string, std::string> encodeRecordLine(const Record& record) {
     auto text = json::Encoder(json::DateForm::iso8601).encode(record);
-    if (text) *text += '\n';
+    if (text)
+        *text += '\n';
     return text;
 }
 

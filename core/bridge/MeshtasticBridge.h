@@ -49,13 +49,13 @@ inline constexpr std::array<std::string_view, 11> meshtasticBridgeEventNames{
 /// One line from the client to the bridge.
 struct MeshtasticBridgeRequest {
     std::int64_t protocolVersion = meshtasticBridgeProtocolVersion;
-    Uuid requestID;
+    Uuid requestID{};
     MeshtasticBridgeCommand command = MeshtasticBridgeCommand::connect;
-    std::optional<std::string> port;
-    std::optional<std::string> text;
-    std::optional<std::uint32_t> recipient; ///< absent when the text goes to the whole channel
-    std::optional<std::uint32_t> channel;
-    std::optional<MeshtasticRadioSettings> settings;
+    std::optional<std::string> port{};
+    std::optional<std::string> text{};
+    std::optional<std::uint32_t> recipient{}; ///< absent when the text goes to the whole channel
+    std::optional<std::uint32_t> channel{};
+    std::optional<MeshtasticRadioSettings> settings{};
 
     bool operator==(const MeshtasticBridgeRequest&) const = default;
 };
@@ -63,18 +63,18 @@ struct MeshtasticBridgeRequest {
 /// One line from the bridge to the client.
 struct MeshtasticBridgeResponse {
     std::int64_t protocolVersion = meshtasticBridgeProtocolVersion;
-    std::optional<Uuid> requestID; ///< the request that this line answers; absent on its own events
+    std::optional<Uuid> requestID{}; ///< the request that this line answers; absent on its own events
     MeshtasticBridgeEvent event = MeshtasticBridgeEvent::ready;
-    std::optional<std::string> error;
-    std::optional<std::string> status;
-    std::optional<std::string> port;
-    std::optional<std::uint32_t> localNodeID;
-    std::optional<MeshNode> node;
-    std::optional<std::uint32_t> channel;
-    std::optional<std::string> channelName;
-    std::optional<MeshMessage> message;
-    std::optional<MeshtasticRadioSettings> settings;
-    std::optional<std::uint32_t> packetID;
+    std::optional<std::string> error{};
+    std::optional<std::string> status{};
+    std::optional<std::string> port{};
+    std::optional<std::uint32_t> localNodeID{};
+    std::optional<MeshNode> node{};
+    std::optional<std::uint32_t> channel{};
+    std::optional<std::string> channelName{};
+    std::optional<MeshMessage> message{};
+    std::optional<MeshtasticRadioSettings> settings{};
+    std::optional<std::uint32_t> packetID{};
 
     bool operator==(const MeshtasticBridgeResponse&) const = default;
 };

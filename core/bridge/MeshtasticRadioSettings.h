@@ -39,8 +39,8 @@ struct MeshtasticRadioSettings {
     bool operator==(const MeshtasticRadioSettings&) const = default;
 };
 
-/// Sets all ten fields of an edited copy to the recommended setup: EU868, LongFast, automatic slot, three hops and the
-/// legal transmit power.
+/// Sets all ten fields of an edited copy to the recommended setup: EU868, LongFast, automatic slot, three
+/// hops and the legal transmit power.
 void applyRecommendedSetup(MeshtasticRadioSettings& draft);
 
 } // namespace nightjar

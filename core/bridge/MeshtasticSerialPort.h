@@ -6,7 +6,8 @@
 
 namespace nightjar::MeshtasticSerialPort {
 
-/// Whether a device file name (no folder) is one that Meshtastic radios get. Case-sensitive, start of the name only.
+/// Whether a device file name (no folder) is one that Meshtastic radios get. Case-sensitive, start of the
+/// name only.
 [[nodiscard]] bool isSupportedDeviceName(std::string_view name);
 
 } // namespace nightjar::MeshtasticSerialPort

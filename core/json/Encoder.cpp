@@ -2,36 +2,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/json/Encoder.h"
 
-#include <algorithm>
-#include <array>
-#include <numeric>
-
 namespace nightjar::json {
-namespace {
-
-constexpr std::size_t mostFields = 64;
-using Order = std::array<std::uint8_t, mostFields>;
-
-Order orderOf(std::span<const Field> fields, KeyOrder wanted) {
-    Order order{};
-    const auto used = std::span(order).first(fields.size());
-    std::iota(used.begin(), used.end(), std::uint8_t{0});
-    if (wanted == KeyOrder::sorted) {
-        std::ranges::sort(used, {}, [&](std::uint8_t index) { return fields[index].name; });
-    }
-    return order;
-}
-
-} // namespace
 
 void Encoder::writeRecord(JsonWriter& writer, const Schema& schema, const void* record) const {
-    const Order order = orderOf(schema.fields, m_order);
     writer.beginObject();
     for (std::size_t i = 0; i < schema.fields.size(); ++i) {
-        const Field& field = schema.fields[order[i]];
+        const Field& field = schema.fields[m_order == KeyOrder::sorted ? schema.sortedOrder[i] : i];
         const void* value = field.find(record);
-        if (!value) continue;
-        writer.key(field.name);
+        if (!value)
+            continue;
+        writer.plainKey(field.name);
         writeField(writer, field, value);
     }
     writer.endObject();
@@ -55,7 +35,8 @@ void Encoder::writeField(JsonWriter& writer, const Field& field, const void* val
         return writer.string(*static_cast<const std::string*>(value));
     case Type::stringList:
         writer.beginArray();
-        for (const auto& item : *static_cast<const std::vector<std::string>*>(value)) writer.string(item);
+        for (const auto& item : *static_cast<const std::vector<std::string>*>(value))
+            writer.string(item);
         return writer.endArray();
     case Type::uuid:
         return writer.uuid(*static_cast<const Uuid*>(value));
@@ -63,11 +44,9 @@ void Encoder::writeField(JsonWriter& writer, const Field& field, const void* val
         if (m_dates == DateForm::secondsSince2001) {
             return writer.number(static_cast<const Date*>(value)->time_since_epoch().count());
         }
-        if (const auto text = iso8601Text(*static_cast<const Date*>(value))) return writer.string(*text);
-        writer.null();
-        return writer.fail();
+        return writer.iso8601(*static_cast<const Date*>(value));
     case Type::enumeration:
-        return writer.string(field.names[field.getCase(value)]);
+        return writer.plainString(field.names[field.getCase(value)]);
     case Type::record:
         return writeRecord(writer, *field.record, value);
     }

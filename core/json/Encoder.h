@@ -16,8 +16,10 @@ namespace nightjar::json {
 
 enum class KeyOrder { asDeclared, sorted };
 
-/// What is said of a record that JSON cannot hold: a number that is not finite, a date outside the years 1 to 9999.
-inline constexpr std::string_view unencodable = "The data couldn’t be written because it isn’t in the correct format.";
+/// What is said of a record that JSON cannot hold: a number that is not finite, a date outside the years 1 to
+/// 9999.
+inline constexpr std::string_view unencodable =
+    "The data couldn’t be written because it isn’t in the correct format.";
 
 /// Writes records as JSON; absent fields are left out.
 class Encoder {
@@ -30,7 +32,8 @@ public:
         std::string text;
         JsonWriter writer(text, m_layout);
         write(writer, record);
-        if (writer.failed()) return std::unexpected(std::string(unencodable));
+        if (writer.failed())
+            return std::unexpected(std::string(unencodable));
         return text;
     }
 
@@ -40,9 +43,11 @@ public:
         text.reserve(records.size() * 256 + 16);
         JsonWriter writer(text, m_layout);
         writer.beginArray();
-        for (const Record& record : records) write(writer, record);
+        for (const Record& record : records)
+            write(writer, record);
         writer.endArray();
-        if (writer.failed()) return std::unexpected(std::string(unencodable));
+        if (writer.failed())
+            return std::unexpected(std::string(unencodable));
         return text;
     }
 

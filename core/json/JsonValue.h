@@ -25,8 +25,9 @@ public:
 
     JsonValue() = default;
     template <class T>
-        requires std::is_constructible_v<Storage, T&&> && (!std::is_same_v<std::remove_cvref_t<T>, JsonValue>)
-    JsonValue(T&& value) : m_storage(std::forward<T>(value)) {} // NOLINT(google-explicit-constructor)
+    requires std::is_constructible_v<Storage, T&&> &&
+        (!std::is_same_v<std::remove_cvref_t<T>, JsonValue>)JsonValue(T&& value)
+        : m_storage(std::forward<T>(value)) {} // NOLINT(google-explicit-constructor)
 
     /// Absent for anything that is not one JSON value, with the decoder's bounds.
     [[nodiscard]] static std::optional<JsonValue> parse(std::string_view text);
@@ -44,7 +45,8 @@ public:
     template <class Integer>
     [[nodiscard]] std::optional<Integer> integer() const {
         const auto* value = get<std::int64_t>();
-        if (!value || !std::in_range<Integer>(*value)) return std::nullopt;
+        if (!value || !std::in_range<Integer>(*value))
+            return std::nullopt;
         return static_cast<Integer>(*value);
     }
     /// The member of an object; null when there is none or this is no object.

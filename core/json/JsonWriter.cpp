@@ -14,7 +14,8 @@ namespace {
 /// The letter after the backslash for each byte that needs one; 'u' stands for \u00XX, 0 for none.
 constexpr std::array<char, 256> makeEscapes() {
     std::array<char, 256> escapes{};
-    for (std::size_t i = 0; i < 0x20; ++i) escapes[i] = 'u';
+    for (std::size_t i = 0; i < 0x20; ++i)
+        escapes[i] = 'u';
     escapes['\b'] = 'b';
     escapes['\f'] = 'f';
     escapes['\n'] = 'n';
@@ -30,7 +31,16 @@ constexpr auto escapes = makeEscapes();
 template <class Number>
 void appendNumber(std::string& out, Number value) {
     std::array<char, 40> buffer;
-    out.append(buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr);
+    const auto end = buffer.data() + buffer.size();
+    if constexpr (std::is_floating_point_v<Number>) {
+        // Most readers, ours too, refuse an integer of more than 64 bits.
+        if (std::abs(value) >= Number(1e17)) {
+            out.append(buffer.data(),
+                       std::to_chars(buffer.data(), end, value, std::chars_format::scientific).ptr);
+            return;
+        }
+    }
+    out.append(buffer.data(), std::to_chars(buffer.data(), end, value).ptr);
 }
 
 } // namespace
@@ -44,13 +54,15 @@ void JsonWriter::begin(char bracket) {
 
 void JsonWriter::end(char bracket) {
     --m_depth;
-    if (!m_first) newLine();
+    if (!m_first)
+        newLine();
     m_out += bracket;
     m_first = false;
 }
 
 void JsonWriter::newLine() {
-    if (m_layout == Layout::compact) return;
+    if (m_layout == Layout::compact)
+        return;
     m_out += '\n';
     m_out.append(m_depth * 2, ' ');
 }
@@ -60,8 +72,10 @@ void JsonWriter::beforeValue() {
         m_afterKey = false;
         return;
     }
-    if (m_depth == 0) return;
-    if (!m_first) m_out += ',';
+    if (m_depth == 0)
+        return;
+    if (!m_first)
+        m_out += ',';
     m_first = false;
     newLine();
 }
@@ -69,6 +83,15 @@ void JsonWriter::beforeValue() {
 void JsonWriter::key(std::string_view name) {
     beforeValue();
     quoted(name);
+    afterKey();
+}
+
+void JsonWriter::plainKey(std::string_view name) {
+    plainString(name);
+    afterKey();
+}
+
+void JsonWriter::afterKey() {
     m_out += m_layout == Layout::pretty ? " : " : ":";
     m_afterKey = true;
 }
@@ -84,21 +107,50 @@ void JsonWriter::integer(std::int64_t value) {
 }
 
 void JsonWriter::number(float value) {
-    if (!std::isfinite(value)) return m_failed = true, null();
+    if (!std::isfinite(value))
+        return cannotWrite();
     beforeValue();
     appendNumber(m_out, value);
 }
 
 void JsonWriter::number(double value) {
-    if (!std::isfinite(value)) return m_failed = true, null();
+    if (!std::isfinite(value))
+        return cannotWrite();
     beforeValue();
     appendNumber(m_out, value);
 }
 
+void JsonWriter::cannotWrite() {
+    m_failed = true;
+    null();
+}
+
 void JsonWriter::string(std::string_view value) {
     beforeValue();
-    if (isValidUtf8(value)) quoted(value);
-    else quoted(withReplacedInvalidUtf8(value));
+    if (isValidUtf8(value))
+        quoted(value);
+    else
+        quoted(withReplacedInvalidUtf8(value));
+}
+
+void JsonWriter::plainString(std::string_view value) {
+    beforeValue();
+    m_out += '"';
+    m_out += value;
+    m_out += '"';
+}
+
+void JsonWriter::uuid(const Uuid& value) {
+    std::array<char, Uuid::textLength> text;
+    value.write(text);
+    plainString({text.data(), text.size()});
+}
+
+void JsonWriter::iso8601(Date value) {
+    std::array<char, iso8601Length> text;
+    if (!writeIso8601(value, text))
+        return cannotWrite();
+    plainString({text.data(), text.size()});
 }
 
 void JsonWriter::quoted(std::string_view text) {
@@ -107,7 +159,8 @@ void JsonWriter::quoted(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
         const char escape = escapes[byte];
-        if (escape == 0) continue;
+        if (escape == 0)
+            continue;
         m_out.append(text, start, i - start);
         start = i + 1;
         m_out += '\\';

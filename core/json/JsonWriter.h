@@ -16,8 +16,9 @@ enum class Layout {
     pretty   ///< one value a line, two spaces a level, `"key" : value`
 };
 
-/// Appends JSON to a text. Slashes are escaped, numbers are the shortest that read back the same, ill-formed UTF-8
-/// becomes U+FFFD. A number that is not finite cannot be written: it makes the writer fail, see `failed()`.
+/// Appends JSON to a text. Slashes are escaped, numbers are the shortest that read back the same, ill-formed
+/// UTF-8 becomes U+FFFD. A number that is not finite cannot be written: it makes the writer fail, see
+/// `failed()`.
 class JsonWriter {
 public:
     explicit JsonWriter(std::string& out, Layout layout = Layout::compact) : m_out(out), m_layout(layout) {}
@@ -27,6 +28,8 @@ public:
     void beginArray() { begin('['); }
     void endArray() { end(']'); }
     void key(std::string_view name);
+    /// A key of ours: ASCII that needs no escape.
+    void plainKey(std::string_view name);
 
     void null() { raw("null"); }
     void boolean(bool value) { raw(value ? "true" : "false"); }
@@ -34,24 +37,29 @@ public:
     void number(float value);
     void number(double value);
     void string(std::string_view value);
-    void uuid(const Uuid& value) { string(value.text()); }
+    /// A string of ours: ASCII that needs no escape.
+    void plainString(std::string_view value);
+    void uuid(const Uuid& value);
+    /// A date as text; one outside the years 1 to 9999 makes the writer fail.
+    void iso8601(Date value);
     /// A value that is JSON already.
     void raw(std::string_view json);
 
     [[nodiscard]] bool failed() const { return m_failed; }
-    void fail() { m_failed = true; }
 
 private:
     void begin(char bracket);
     void end(char bracket);
     void beforeValue();
     void newLine();
+    void afterKey();
+    void cannotWrite();
     void quoted(std::string_view text);
 
     std::string& m_out;
     Layout m_layout;
     std::size_t m_depth = 0;
-    bool m_first = true;    ///< nothing stands in the innermost bracket yet
+    bool m_first = true; ///< nothing stands in the innermost bracket yet
     bool m_afterKey = false;
     bool m_failed = false;
 };

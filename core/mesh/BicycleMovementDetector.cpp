@@ -11,12 +11,14 @@ namespace nightjar {
 BicycleMovementDetector::BicycleMovementDetector(int requiredOutsidePositions)
     : m_requiredOutsidePositions(std::max(requiredOutsidePositions, 2)) {}
 
-BicycleMovementResult BicycleMovementDetector::evaluate(const MeshPosition& position, const MeshPosition& parkedAt,
-                                                        double radius) {
+BicycleMovementResult BicycleMovementDetector::evaluate(const MeshPosition& position,
+                                                        const MeshPosition& parkedAt, double radius) {
     // A radio that reconnects replays the last position it knew; only a newer one says anything.
-    if (position.timestamp <= parkedAt.timestamp) return BicycleMovement::Ignored{};
+    if (position.timestamp <= parkedAt.timestamp)
+        return BicycleMovement::Ignored{};
     const Coordinate coordinate{position.latitude, position.longitude};
-    if (m_lastCoordinate == coordinate) return BicycleMovement::Ignored{};
+    if (m_lastCoordinate == coordinate)
+        return BicycleMovement::Ignored{};
     m_lastCoordinate = coordinate;
 
     const double distance = MeshMath::distanceMeters(parkedAt, position);

@@ -29,7 +29,8 @@ struct Ignored {
 };
 } // namespace BicycleMovement
 
-/// What one position says: within the radius; outside but not yet confirmed; moved; or not evaluated (old, repeated).
+/// What one position says: within the radius; outside but not yet confirmed; moved; or not evaluated (old,
+/// repeated).
 using BicycleMovementResult = std::variant<BicycleMovement::Inside, BicycleMovement::Confirming,
                                            BicycleMovement::Moved, BicycleMovement::Ignored>;
 

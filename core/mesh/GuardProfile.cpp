@@ -10,7 +10,8 @@ std::string_view rawValue(GuardProfile profile) {
 
 std::optional<GuardProfile> guardProfileFromRawValue(std::string_view text) {
     for (const auto profile : guardProfiles) {
-        if (rawValue(profile) == text) return profile;
+        if (rawValue(profile) == text)
+            return profile;
     }
     return std::nullopt;
 }

@@ -6,7 +6,8 @@
 
 namespace nightjar::MeshMath {
 
-/// Great-circle distance in metres: the haversine formula on a sphere of radius 6,371,000 m. Altitude is ignored.
+/// Great-circle distance in metres: the haversine formula on a sphere of radius 6,371,000 m. Altitude is
+/// ignored.
 [[nodiscard]] double distanceMeters(const MeshPosition& from, const MeshPosition& to);
 
 } // namespace nightjar::MeshMath

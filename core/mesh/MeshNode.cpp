@@ -5,8 +5,10 @@
 namespace nightjar {
 
 MeshNodeReachability MeshNode::reachability(Date now, Seconds window) const {
-    if (!lastSeen || now - *lastSeen > window) return MeshNodeReachability::stale();
-    if (hopsAway == 0u) return MeshNodeReachability::directlyHeard();
+    if (!lastSeen || now - *lastSeen > window)
+        return MeshNodeReachability::stale();
+    if (hopsAway == 0u)
+        return MeshNodeReachability::directlyHeard();
     return MeshNodeReachability::mesh(hopsAway);
 }
 

@@ -16,7 +16,9 @@ struct MeshNodeReachability {
     Kind kind = Kind::stale;
     std::optional<std::uint32_t> hops; ///< of `mesh` only; absent when unknown
 
-    [[nodiscard]] static MeshNodeReachability mesh(std::optional<std::uint32_t> hops) { return {Kind::mesh, hops}; }
+    [[nodiscard]] static MeshNodeReachability mesh(std::optional<std::uint32_t> hops) {
+        return {Kind::mesh, hops};
+    }
     [[nodiscard]] static MeshNodeReachability directlyHeard() { return {Kind::directlyHeard, {}}; }
     [[nodiscard]] static MeshNodeReachability stale() { return {Kind::stale, {}}; }
 

@@ -11,8 +11,9 @@
 
 namespace nightjar::MeshPositionHistory {
 
-/// The fixes of one node at or after `since` (all of them when absent), oldest first; equal times keep their order.
-[[nodiscard]] std::vector<MeshPosition> positions(std::uint32_t nodeNumber, std::span<const MeshPosition> history,
-                                                  std::optional<Date> since);
+/// The fixes of one node at or after `since` (all of them when absent), oldest first; equal times keep their
+/// order.
+[[nodiscard]] std::vector<MeshPosition>
+positions(std::uint32_t nodeNumber, std::span<const MeshPosition> history, std::optional<Date> since);
 
 } // namespace nightjar::MeshPositionHistory

@@ -71,7 +71,7 @@ public:
             const std::scoped_lock lock(m_mutex);
             m_jobs.emplace_back(Append{std::move(record), maximumCount, std::move(done)});
             ++m_waitingAppends;
-            if (m_waitingAppends > 2 * std::max<std::size_t>(maximumCount, 1))
+            if (m_waitingAppends > 2 * std::max(maximumCount, smallestQueue))
                 refuseOldest();
         }
         m_changed.notify_one();
@@ -84,6 +84,8 @@ private:
         Appended done;
     };
     using Job = std::variant<Loaded, Append>;
+
+    static constexpr std::size_t smallestQueue = 500;
 
     struct Work {
         Loaded load;                   ///< either this

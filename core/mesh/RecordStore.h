@@ -36,8 +36,8 @@ public:
 
     /// Adds a record unless it is a duplicate, and drops the oldest beyond `maximumCount` (at least 1). Gives
     /// a sentence for the user when the file could not be written; the file is then unchanged. Appends that
-    /// wait together share one reading and one writing of the file. While the disk hangs, at most the newest
-    /// 2 * `maximumCount` wait; the older ones fail.
+    /// wait together share one reading and one writing of the file. While the disk hangs at most the newest 2
+    /// * `maximumCount` wait (1,000 where that is less); the older ones fail.
     void append(Record record, std::size_t maximumCount, Appended done = {});
 
 private:
