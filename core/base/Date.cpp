@@ -12,6 +12,10 @@ namespace {
 
 using namespace std::chrono;
 
+// What can be read can also be written.
+constexpr double firstSecond = -62'135'596'800.0; // 0001-01-01T00:00:00Z
+constexpr double lastSecond = 253'402'300'799.0;  // 9999-12-31T23:59:59Z
+
 /// The number of the digits at `at`; negative where one of them is no digit.
 template <int count>
 int readDigits(std::string_view text, std::size_t at) {
@@ -51,8 +55,6 @@ std::optional<int> readZone(std::string_view zone) {
 
 bool writeIso8601(Date date, std::span<char, iso8601Length> text) {
     const double whole = std::floor(unixSeconds(date));
-    constexpr double firstSecond = -62'135'596'800.0; // 0001-01-01T00:00:00Z
-    constexpr double lastSecond = 253'402'300'799.0;  // 9999-12-31T23:59:59Z
     if (!(whole >= firstSecond && whole <= lastSecond))
         return false;
 
@@ -102,7 +104,10 @@ std::optional<Date> dateFromIso8601(std::string_view text) {
         return std::nullopt;
     const sys_seconds time =
         sys_days{calendar} + hours{hour} + minutes{minute} + seconds{second} - minutes{*zone};
-    return dateFromUnixSeconds(static_cast<double>(time.time_since_epoch().count()));
+    const auto unix = static_cast<double>(time.time_since_epoch().count());
+    if (unix < firstSecond || unix > lastSecond)
+        return std::nullopt;
+    return dateFromUnixSeconds(unix);
 }
 
 } // namespace nightjar

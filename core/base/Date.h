@@ -46,7 +46,8 @@ inline constexpr std::size_t iso8601Length = 20;
 /// `iso8601Text` without an allocation; false, and nothing written, where that is absent.
 [[nodiscard]] bool writeIso8601(Date date, std::span<char, iso8601Length> text);
 
-/// Reads exactly "YYYY-MM-DDThh:mm:ss" followed by "Z", "+hh:mm" or "+hhmm"; no fractions, no other form.
+/// Reads exactly "YYYY-MM-DDThh:mm:ss" followed by "Z", "+hh:mm" or "+hhmm", of the years 1 to 9999 in UTC;
+/// no fractions, no other form.
 [[nodiscard]] std::optional<Date> dateFromIso8601(std::string_view text);
 
 } // namespace nightjar

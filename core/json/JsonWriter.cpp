@@ -33,7 +33,12 @@ void appendNumber(std::string& out, Number value) {
     std::array<char, 40> buffer;
     const auto end = buffer.data() + buffer.size();
     if constexpr (std::is_floating_point_v<Number>) {
-        // Most readers, ours too, refuse an integer of more than 64 bits.
+        // Readers, ours too, take -0 for an integer without a sign, and refuse an integer of more than 64
+        // bits.
+        if (value == 0 && std::signbit(value)) {
+            out += "-0.0";
+            return;
+        }
         if (std::abs(value) >= Number(1e17)) {
             out.append(buffer.data(),
                        std::to_chars(buffer.data(), end, value, std::chars_format::scientific).ptr);

@@ -3,15 +3,15 @@
 #include "core/mesh/RecordStore.h"
 
 #include "core/base/AtomicFile.h"
-#include "core/json/Encoder.h"
+#include "core/json/Decoder.h"
 #include "core/mesh/MeshJson.h"
+#include "core/mesh/StoredList.h"
 
 #include <algorithm>
 #include <condition_variable>
 #include <csignal>
 #include <deque>
 #include <mutex>
-#include <span>
 #include <thread>
 #include <utility>
 #include <variant>
@@ -20,18 +20,6 @@ namespace nightjar {
 namespace {
 
 using Result = std::expected<void, std::string>;
-
-bool isDuplicate(const MeshMessage& message, std::span<const MeshMessage> stored) {
-    return std::ranges::any_of(stored, [&](const MeshMessage& known) { return isRepeat(message, known); });
-}
-
-bool isDuplicate(const MeshPosition& position, std::span<const MeshPosition> stored) {
-    if (stored.empty())
-        return false;
-    const MeshPosition& last = stored.back();
-    return last.nodeNumber == position.nodeNumber && last.latitude == position.latitude &&
-           last.longitude == position.longitude;
-}
 
 /// Signals are the business of the thread that waits for them; one that interrupts a write, or ends the
 /// process at a file size limit, would cost a record.
@@ -150,17 +138,6 @@ private:
             .value_or(std::vector<Record>());
     }
 
-    Result write(std::span<const Record> records) const {
-        const auto text = encoder().template encodeList<Record>(records);
-        if (!text)
-            return std::unexpected(text.error());
-        return replaceFile(*m_url, *text);
-    }
-
-    static json::Encoder encoder() {
-        return json::Encoder(json::DateForm::iso8601, json::Layout::pretty, json::KeyOrder::sorted);
-    }
-
     void appendAll(std::vector<Append>& appends) {
         const auto results = m_url ? addToFile(appends) : std::vector<Result>(appends.size());
         for (std::size_t i = 0; i < appends.size(); ++i) {
@@ -171,30 +148,21 @@ private:
 
     /// Does to the list what the appends do one after the other, and writes it once.
     std::vector<Result> addToFile(const std::vector<Append>& appends) {
-        std::vector<Record> records = read();
-        const std::size_t storedCount = records.size();
-        std::size_t dropped = 0; // from the front
+        StoredList<Record> list(readWholeFile(*m_url).value_or(std::string()));
         std::vector<Result> results;
         for (const auto& [record, maximumCount, done] : appends) {
             Result& result = results.emplace_back();
-            if (isDuplicate(record, std::span(records).subspan(dropped)))
-                continue;
-            if (auto text = encoder().encode(record); !text) {
-                result = std::unexpected(std::move(text.error()));
-                continue;
-            }
-            records.push_back(record);
-            dropped = std::max(dropped, records.size() - std::min(records.size(), maximumCount));
+            if (!list.holdsDuplicateOf(record))
+                result = list.add(record, maximumCount);
         }
-        if (records.size() == storedCount)
+        if (!list.hasChanged())
             return results;
 
-        const auto written = write(std::span(records).subspan(dropped));
+        const auto written = replaceFile(*m_url, list.text());
         if (written)
             return results;
         for (std::size_t i = 0; i < appends.size(); ++i) {
-            const bool known = isDuplicate(appends[i].record, std::span(records).first(storedCount));
-            if (results[i] && !known)
+            if (results[i] && !list.heldDuplicateOf(appends[i].record))
                 results[i] = written;
         }
         return results;

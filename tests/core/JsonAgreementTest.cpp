@@ -12,62 +12,6 @@ namespace {
 
 using testing::RandomRecords;
 
-/// One of the small faults and changes of form that a text may have.
-void mutate(std::string& text, RandomRecords& random) {
-    static constexpr std::array<std::string_view, 40> pieces{"\"",
-                                                             "\\",
-                                                             "/",
-                                                             "{",
-                                                             "}",
-                                                             "[",
-                                                             "]",
-                                                             ",",
-                                                             ":",
-                                                             " ",
-                                                             "\n",
-                                                             "\t",
-                                                             "\r",
-                                                             "0",
-                                                             "-",
-                                                             "-0",
-                                                             "1.0",
-                                                             ".5",
-                                                             "1e5",
-                                                             "E+3",
-                                                             "1e400",
-                                                             "99999999999999999999",
-                                                             "0.1234567890123456789",
-                                                             "null",
-                                                             "true",
-                                                             "false",
-                                                             "\\u0041",
-                                                             "\\ud800",
-                                                             "\\n",
-                                                             "\\/",
-                                                             "\xFF",
-                                                             "\xC3",
-                                                             "\xE2\x82",
-                                                             "é",
-                                                             "\x01",
-                                                             "\0",
-                                                             "\"x\":1,",
-                                                             "\"id\":",
-                                                             "+",
-                                                             "x"};
-    const auto at = random.below(text.size() + 1);
-    const auto length = std::min<std::size_t>(random.below(4), text.size() - at);
-    switch (random.below(4)) {
-    case 0:
-        text.erase(at, length);
-        break;
-    case 1:
-        text.insert(at, text.substr(random.below(text.size() + 1), random.below(30)));
-        break;
-    default:
-        text.replace(at, length, pieces[random.below(pieces.size())]);
-    }
-}
-
 /// What the quick reader takes, the full one must take too, and read to the same values.
 template <class Record>
 struct Agreement {
@@ -107,7 +51,7 @@ void expectAgreement(RandomRecords& random, Record (RandomRecords::*make)()) {
                         .value();
         agreement.check(text);
         for (auto changes = 1 + random.below(3); changes > 0; --changes) {
-            mutate(text, random);
+            random.mutate(text);
             agreement.check(text);
         }
         if (::testing::Test::HasFatalFailure())

@@ -171,4 +171,59 @@ MeshtasticBridgeResponse RandomRecords::response() {
             .packetID = maybe([&] { return uint32(); })};
 }
 
+void RandomRecords::mutate(std::string& text) {
+    static constexpr std::array<std::string_view, 40> pieces{"\"",
+                                                             "\\",
+                                                             "/",
+                                                             "{",
+                                                             "}",
+                                                             "[",
+                                                             "]",
+                                                             ",",
+                                                             ":",
+                                                             " ",
+                                                             "\n",
+                                                             "\t",
+                                                             "\r",
+                                                             "0",
+                                                             "-",
+                                                             "-0",
+                                                             "1.0",
+                                                             ".5",
+                                                             "1e5",
+                                                             "E+3",
+                                                             "1e400",
+                                                             "99999999999999999999",
+                                                             "0.1234567890123456789",
+                                                             "null",
+                                                             "true",
+                                                             "false",
+                                                             "\\u0041",
+                                                             "\\ud800",
+                                                             "\\n",
+                                                             "\\/",
+                                                             "\xFF",
+                                                             "\xC3",
+                                                             "\xE2\x82",
+                                                             "é",
+                                                             "\x01",
+                                                             "\0",
+                                                             "\"x\":1,",
+                                                             "\"id\":",
+                                                             "+",
+                                                             "x"};
+    const auto at = below(text.size() + 1);
+    const auto length = std::min<std::size_t>(below(4), text.size() - at);
+    switch (below(4)) {
+    case 0:
+        text.erase(at, length);
+        break;
+    case 1:
+        text.insert(at, text.substr(below(text.size() + 1), below(30)));
+        break;
+    default:
+        text.replace(at, length, pieces[below(pieces.size())]);
+    }
+}
+
 } // namespace nightjar::testing

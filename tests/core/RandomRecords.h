@@ -31,6 +31,8 @@ public:
     MeshtasticRadioSettings settings();
     MeshtasticBridgeRequest request();
     MeshtasticBridgeResponse response();
+    /// Gives a JSON text one of the small faults and changes of form that texts have.
+    void mutate(std::string& text);
 
 private:
     template <class Make>
