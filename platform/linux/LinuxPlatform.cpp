@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/linux/LinuxPlatform.h"
+
+namespace nightjar {
+namespace {
+
+std::optional<std::filesystem::path> preferencesFile(const LinuxHostEnvironment& host) {
+    return host.configurationFolder().transform(
+        [](const std::filesystem::path& folder) { return folder / "Nightjar" / "preferences.json"; });
+}
+
+} // namespace
+
+LinuxPlatform::LinuxPlatform()
+    : m_preferences(preferencesFile(m_host), m_scheduler),
+      m_notifications(m_mainThread, SessionNotificationCenter::openSessionBus, NotificationSettings()),
+      m_text(IcuTextServices::systemLocale(m_host)) {}
+
+PlatformServices LinuxPlatform::services() {
+    return {.host = m_host,
+            .mainThread = m_mainThread,
+            .scheduler = m_scheduler,
+            .preferences = m_preferences,
+            .notifications = m_notifications,
+            .text = m_text};
+}
+
+} // namespace nightjar

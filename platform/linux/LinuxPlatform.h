@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "platform/PlatformServices.h"
+#include "platform/linux/IcuTextServices.h"
+#include "platform/linux/JsonFilePreferences.h"
+#include "platform/linux/LinuxHostEnvironment.h"
+#include "platform/linux/QtMainThread.h"
+#include "platform/linux/QtScheduler.h"
+#include "platform/linux/SessionNotificationCenter.h"
+
+namespace nightjar {
+
+/// The real computer. Made on the main thread after the QCoreApplication, destroyed before it. Nothing slow
+/// happens in the constructor: the bus is opened and the collation rules are loaded at their first use.
+class LinuxPlatform {
+public:
+    LinuxPlatform();
+
+    [[nodiscard]] PlatformServices services();
+    /// A sentence for the user when the settings were damaged or could not be saved.
+    [[nodiscard]] std::optional<std::string> problem() const { return m_preferences.problem(); }
+
+private:
+    LinuxHostEnvironment m_host;
+    QtMainThread m_mainThread;
+    QtScheduler m_scheduler;
+    JsonFilePreferences m_preferences;
+    SessionNotificationCenter m_notifications;
+    IcuTextServices m_text;
+};
+
+} // namespace nightjar

@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/linux/SessionNotificationCenter.h"
+
+#include <atomic>
+#include <system_error>
+#include <utility>
+
+namespace nightjar {
+namespace {
+
+constexpr std::size_t maximumWaiting = 1'000;
+
+} // namespace
+
+SessionNotificationCenter::SessionNotificationCenter(MainThread& mainThread, OpenBus openBus,
+                                                     NotificationSettings settings)
+    : m_mainThread(mainThread), m_openBus(std::move(openBus)), m_settings(std::move(settings)) {}
+
+SessionNotificationCenter::~SessionNotificationCenter() {
+    close();
+}
+
+QDBusConnection SessionNotificationCenter::openSessionBus() {
+    // A name is bound to its first connection even when that is dead, so each one gets a new name.
+    static std::atomic<int> opened = 0;
+    return QDBusConnection::connectToBus(QDBusConnection::SessionBus,
+                                         QStringLiteral("nightjar-notifications-%1").arg(++opened));
+}
+
+void SessionNotificationCenter::requestPermission() {
+    use([](NotificationCenter& center) { center.requestPermission(); });
+}
+
+void SessionNotificationCenter::post(const Notification& notification) {
+    use([notification](NotificationCenter& center) { center.post(notification); });
+}
+
+void SessionNotificationCenter::use(Job job) {
+    if (m_center && m_center->isConnected())
+        return job(*m_center);
+    if (m_waiting.size() < maximumWaiting)
+        m_waiting.push_back(std::move(job));
+    if (!m_opening)
+        open();
+}
+
+void SessionNotificationCenter::open() {
+    close();
+    m_opening = true;
+    auto work = [this, openBus = m_openBus, &mainThread = m_mainThread, alive = std::weak_ptr(m_alive)] {
+        auto bus = openBus();
+        mainThread.post([this, alive, bus] {
+            if (!alive.expired())
+                opened(bus);
+        });
+    };
+    try {
+        m_opener = std::jthread(std::move(work));
+    } catch (const std::system_error&) {
+        opened(QDBusConnection(QString()));
+    }
+}
+
+void SessionNotificationCenter::opened(const QDBusConnection& bus) {
+    m_opening = false;
+    m_busName = bus.name();
+    const auto waiting = std::exchange(m_waiting, {});
+    if (!bus.isConnected())
+        return;
+    m_center = std::make_unique<FreedesktopNotificationCenter>(bus, m_settings);
+    for (const auto& job : waiting)
+        job(*m_center);
+}
+
+void SessionNotificationCenter::close() {
+    m_center.reset();
+    if (!m_busName.isEmpty())
+        QDBusConnection::disconnectFromBus(std::exchange(m_busName, QString()));
+}
+
+} // namespace nightjar

@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "platform/MainThread.h"
+#include "platform/NotificationCenter.h"
+#include "platform/linux/FreedesktopNotificationCenter.h"
+
+#include <memory>
+#include <thread>
+
+namespace nightjar {
+
+/// The desktop's notifications over a bus that is opened at the first use, in the background: opening waits
+/// for the bus, half a minute when it hangs. What is posted meanwhile goes out when the bus is there; without
+/// a bus it is dropped. A bus that was lost is opened again at the next use. Main thread.
+class SessionNotificationCenter final : public NotificationCenter {
+public:
+    /// Returns a new connection each time; called on a thread of its own.
+    using OpenBus = std::function<QDBusConnection()>;
+
+    SessionNotificationCenter(MainThread& mainThread, OpenBus openBus, NotificationSettings settings);
+    ~SessionNotificationCenter() override;
+    SessionNotificationCenter(const SessionNotificationCenter&) = delete;
+    SessionNotificationCenter& operator=(const SessionNotificationCenter&) = delete;
+
+    void requestPermission() override;
+    void post(const Notification& notification) override;
+
+    /// The bus of the user's session.
+    [[nodiscard]] static QDBusConnection openSessionBus();
+
+private:
+    using Job = std::function<void(NotificationCenter&)>;
+
+    void use(Job job);
+    void open();
+    void opened(const QDBusConnection& bus);
+    void close();
+
+    MainThread& m_mainThread;
+    OpenBus m_openBus;
+    NotificationSettings m_settings;
+    std::vector<Job> m_waiting;
+    bool m_opening = false;
+    QString m_busName;
+    std::unique_ptr<FreedesktopNotificationCenter> m_center;
+    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
+    std::jthread m_opener;
+};
+
+} // namespace nightjar
