@@ -6,6 +6,10 @@ namespace nightjar {
 
 namespace {
 
+/// Room for months of a busy mesh: addresses only, memory comes as it fills. Growing by copying tens of
+/// megabytes would hold up the main thread.
+constexpr std::size_t roomForPositions = std::size_t{1} << 20U;
+
 std::optional<std::filesystem::path> dataFolder(const HostEnvironment& host) {
     return host.applicationSupportFolder().transform(
         [](const auto& home) { return home / "Halvard Nightjar"; });
@@ -57,23 +61,29 @@ NightjarModel::NightjarModel(const PlatformServices& platform, std::unique_ptr<R
 NightjarModel::~NightjarModel() = default;
 
 void NightjarModel::loadStores() {
+    m_history.change([](std::vector<MeshPosition>& history) { history.reserve(roomForPositions); });
+
     // Both are asked before anything can be appended, so that no record comes back that is here already.
     const auto generation = m_connection.generation();
-    m_positionStore.load(
-        m_lifetime.broughtHome(m_platform.mainThread, [this, generation](std::vector<MeshPosition> kept) {
-            if (!kept.empty()) {
-                m_history.change([&kept](std::vector<MeshPosition>& history) {
-                    kept.insert(kept.end(), history.begin(), history.end());
-                    history = std::move(kept);
-                });
-            }
-            settleBaseAtStart(generation);
-        }));
+    m_positionStore.load(m_lifetime.broughtHome(m_platform.mainThread,
+                                                [this, generation](const std::vector<MeshPosition>& kept) {
+                                                    restoreHistory(kept);
+                                                    settleBaseAtStart(generation);
+                                                }));
     m_messageStore.load(
         m_lifetime.broughtHome(m_platform.mainThread, [this, generation](std::vector<MeshMessage> kept) {
             m_conversation.restore(std::move(kept));
             settleBaseAtStart(generation);
         }));
+}
+
+void NightjarModel::restoreHistory(const std::vector<MeshPosition>& kept) {
+    if (kept.empty())
+        return;
+    m_history.change([&kept](std::vector<MeshPosition>& history) {
+        // What came meanwhile is newer.
+        history.insert(history.begin(), kept.begin(), kept.end());
+    });
 }
 
 void NightjarModel::settleBaseAtStart(int generation) {

@@ -166,6 +166,7 @@ Q_SIGNALS:
 
 private:
     void loadStores();
+    void restoreHistory(const std::vector<MeshPosition>& kept);
     void settleBaseAtStart(int generation);
 
     void finishConnect(const std::expected<std::string, MeshRadioError>& port);
