@@ -3,6 +3,8 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <system_error>
 
 namespace nightjar {
 
@@ -23,6 +25,8 @@ struct MeshRadioError {
 
     [[nodiscard]] static MeshRadioError bridge(std::string text) { return {Kind::bridge, std::move(text)}; }
     [[nodiscard]] static MeshRadioError incompatibleVersion();
+    /// The bridge could not be started, or reached: a sentence round the operating system's own words.
+    [[nodiscard]] static MeshRadioError couldNot(std::string_view what, const std::error_code& error);
     /// A complete sentence for the user.
     [[nodiscard]] std::string description() const;
 

@@ -13,8 +13,9 @@
 
 namespace nightjar {
 
-/// The link to the base radio as the model uses it. All calls are made on the main thread; completions and callbacks
-/// run there too, later, each completion exactly once, events strictly in the order in which the bridge wrote them.
+/// The link to the base radio as the model uses it. All calls are made on the main thread; completions and
+/// callbacks run there too, later, each completion exactly once, events strictly in the order in which the
+/// bridge wrote them.
 class RadioLink {
 public:
     template <class T>
@@ -22,16 +23,19 @@ public:
 
     struct Listener {
         /// Each line of the new bridge instance that is not just the answer to `connect` or `sendText`.
-        std::function<void(const MeshtasticBridgeResponse&)> onEvent;
+        std::function<void(const MeshtasticBridgeResponse&)> onEvent{};
         /// The bridge of a connection that had been established went away without being asked to: it stopped
-        /// (`bridgeStopped`) or spoke an incompatible version (`bridge`). At most once, after it no more events.
-        std::function<void(const MeshRadioError&)> onLost;
+        /// (`bridgeStopped`) or spoke an incompatible version (`bridge`). At most once, after it no more
+        /// events.
+        std::function<void(const MeshRadioError&)> onLost{};
     };
 
     virtual ~RadioLink() = default;
-    /// Ends the present connection, starts a fresh bridge and has it connect `port`; gives the port that answered.
-    /// A later `connect` or `disconnect` takes the place of this one, which then completes with `cancelled`.
-    virtual void connect(std::optional<std::string> port, Listener listener, Completion<std::string> done) = 0;
+    /// Ends the present connection, starts a fresh bridge and has it connect `port`; gives the port that
+    /// answered. A later `connect` or `disconnect` takes the place of this one, which then completes with
+    /// `cancelled`.
+    virtual void connect(std::optional<std::string> port, Listener listener,
+                         Completion<std::string> done) = 0;
     /// Gives the packet identifier of the sent message.
     virtual void sendText(std::string text, std::optional<std::uint32_t> recipient, std::uint32_t channel,
                           Completion<std::uint32_t> done) = 0;

@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "platform/PollClock.h"
+#include "radio/ChildProcess.h"
+
+#include <chrono>
+#include <optional>
+#include <poll.h>
+#include <vector>
+
+namespace nightjar {
+
+/// Bridges on their way out. Each has had its input closed and was asked to end; what it still says is read
+/// away, so that its last words do not kill it; after the grace it is ended by force; in any case it is
+/// reaped.
+class LeavingProcesses {
+public:
+    using TimePoint = PollClock::TimePoint;
+
+    void add(ChildProcess child, TimePoint forceAt);
+    [[nodiscard]] std::optional<TimePoint> nextDeadline() const;
+    void addPollEntries(std::vector<pollfd>& entries) const;
+    /// Reads away, forces and reaps what is due, without waiting.
+    void attend(TimePoint now);
+    /// Waits for all to end, by force after `grace`, in real time whatever the clock in use says, and gives
+    /// up on what cannot even be killed after as much again.
+    void endAll(std::chrono::milliseconds grace);
+
+private:
+    struct Leaving {
+        ChildProcess child;
+        std::optional<TimePoint> forceAt; ///< absent once force was used
+    };
+    void waitForAll(std::chrono::milliseconds limit);
+
+    std::vector<Leaving> m_leaving;
+};
+
+} // namespace nightjar
