@@ -99,8 +99,9 @@ std::expected<std::string, std::string> readWholeFile(const std::filesystem::pat
     if (info.st_size > largestFile)
         return failure("read", path, EFBIG);
 
-    // One byte more than there should be, so that the end is seen without growing.
-    std::string bytes(static_cast<std::size_t>(info.st_size) + 1, '\0');
+    // A little more than there should be: the end is seen without growing, and who adds to the text has room.
+    constexpr std::size_t spare = 4096;
+    std::string bytes(static_cast<std::size_t>(info.st_size) + spare, '\0');
     std::size_t length = 0;
     for (;;) {
         if (length == bytes.size())

@@ -7,6 +7,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <utility>
 
@@ -39,16 +40,23 @@ LayoutScanner::LayoutScanner(std::string_view text, const Schema& schema)
     : m_text(text), m_schema(schema), m_integers(schema.fields.size()) {
     for (std::size_t i = 0; i < schema.fields.size(); ++i) {
         const auto& name = schema.fields[schema.sortedOrder[i]].name;
-        m_keys.push_back("\n    \"" + std::string(name) + "\" : ");
+        m_keys.push_back(",\n    \"" + std::string(name) + "\" : ");
     }
     if (text == "[]")
         m_complete = true;
 }
 
-bool LayoutScanner::take(std::string_view expected) {
-    if (m_text.compare(m_at, expected.size(), expected) != 0)
+inline bool LayoutScanner::take(std::string_view expected) {
+    if (left() < expected.size() || std::memcmp(m_text.data() + m_at, expected.data(), expected.size()) != 0)
         return false;
     m_at += expected.size();
+    return true;
+}
+
+inline bool LayoutScanner::take(char expected) {
+    if (left() == 0 || m_text[m_at] != expected)
+        return false;
+    ++m_at;
     return true;
 }
 
@@ -59,7 +67,7 @@ bool LayoutScanner::next() {
         m_complete = m_at == m_text.size();
         return false;
     }
-    if (!take(m_at == 0 ? "[" : ","))
+    if (!take(m_at == 0 ? '[' : ','))
         return false;
     m_begin = m_at;
     if (!take("\n  {") || !passRecord() || !take("\n  }"))
@@ -69,17 +77,14 @@ bool LayoutScanner::next() {
 }
 
 bool LayoutScanner::passRecord() {
-    bool first = true;
+    std::size_t comma = 1; // the first key has none before it
     for (std::size_t i = 0; i < m_keys.size(); ++i) {
         const std::size_t field = m_schema.sortedOrder[i];
-        const std::size_t before = m_at;
-        if ((first || take(",")) && take(m_keys[i])) {
+        if (take(std::string_view(m_keys[i]).substr(comma))) {
             if (!passValue(field))
                 return false;
-            first = false;
-        } else if (m_schema.fields[field].presence == Presence::optional) {
-            m_at = before;
-        } else {
+            comma = 0;
+        } else if (m_schema.fields[field].presence != Presence::optional) {
             return false;
         }
     }
@@ -121,31 +126,33 @@ bool LayoutScanner::passInteger(std::size_t field) {
     return true;
 }
 
-/// Of a number with up to 15 digits no shorter form has the same value; where it has a whole part and a
-/// fraction, one with an exponent is longer. The others are written again to see whether they come out the
-/// same.
+/// A plain decimal number is taken with the digits that it has: whether fewer would do is costly to tell and
+/// changes nothing. Any other is written again to see whether it comes out the same.
 bool LayoutScanner::passDouble() {
+    constexpr std::size_t mostDigits = std::numeric_limits<double>::max_digits10;
     const std::size_t start = m_at;
     const auto digits = [this] {
         const std::size_t first = m_at;
-        while (m_at < m_text.size() && isDigit(m_text[m_at]))
+        while (left() > 0 && isDigit(m_text[m_at]))
             ++m_at;
         return m_at - first;
     };
-    take("-");
-    const bool isPlain = m_at < m_text.size() && m_text[m_at] != '0';
+    take('-');
+    const bool startsWithZero = left() > 0 && m_text[m_at] == '0';
     const std::size_t whole = digits();
-    const std::size_t fraction = take(".") ? digits() : 0;
-    if (isPlain && whole > 0 && fraction > 0 && whole + fraction <= std::numeric_limits<double>::digits10 &&
-        m_text[m_at - 1] != '0' && (m_at == m_text.size() || m_text[m_at] != 'e'))
+    const bool hasPoint = take('.');
+    const std::size_t fraction = hasPoint ? digits() : 0;
+    const bool isPlain = whole > 0 && (whole == 1 || !startsWithZero) && hasPoint == (fraction > 0) &&
+                         whole + fraction <= mostDigits && left() > 0 && m_text[m_at] != 'e';
+    if (isPlain)
         return true;
-    while (m_at < m_text.size() && (isDigit(m_text[m_at]) || std::string_view("e+-").contains(m_text[m_at])))
+    while (left() > 0 && (isDigit(m_text[m_at]) || std::string_view("e+-").contains(m_text[m_at])))
         ++m_at;
     return isShortest(m_text.substr(start, m_at - start));
 }
 
 bool LayoutScanner::passString() {
-    if (!take("\""))
+    if (!take('"'))
         return false;
     const std::size_t start = m_at;
     bool ascii = true;
@@ -167,7 +174,7 @@ bool LayoutScanner::passEscape() {
     const char letter = m_text[m_at++];
     if (letter != 'u')
         return std::string_view("\"\\/bfnrt").contains(letter);
-    if (!take("00") || m_text.size() - m_at < 2)
+    if (!take("00") || left() < 2)
         return false;
     const char high = m_text[m_at++];
     const char low = m_text[m_at++];
@@ -177,21 +184,18 @@ bool LayoutScanner::passEscape() {
 
 bool LayoutScanner::passUuid() {
     constexpr std::size_t length = Uuid::textLength;
-    if (m_text.size() - m_at < length + 2)
+    if (left() < length + 2 || !take('"'))
         return false;
-    const std::string_view text = m_text.substr(m_at + 1, length);
-    if (m_text[m_at] != '"' || m_text[m_at + length + 1] != '"' || !Uuid::fromText(text))
-        return false;
-    for (const char c : text) {
-        if (c >= 'a')
-            return false;
-    }
-    m_at += length + 2;
-    return true;
+    const std::string_view text = m_text.substr(m_at, length);
+    unsigned lowerCase = 0; // without a branch: the letters come at random
+    for (const char c : text)
+        lowerCase |= static_cast<unsigned>(c >= 'a');
+    m_at += length;
+    return lowerCase == 0 && Uuid::fromText(text) && take('"');
 }
 
 bool LayoutScanner::passDate() {
-    if (m_text.size() - m_at < iso8601Length + 2)
+    if (left() < iso8601Length + 2)
         return false;
     const std::string_view text = m_text.substr(m_at + 1, iso8601Length);
     if (m_text[m_at] != '"' || m_text[m_at + iso8601Length + 1] != '"' || !dateFromIso8601(text))

@@ -11,8 +11,9 @@
 namespace nightjar::json {
 
 /// Tells whether a text is, byte for byte, a list of records as the encoder writes it (pretty, sorted keys,
-/// ISO-8601 dates), and where each record stands. Such a text need not be decoded and encoded again to add a
-/// record to it. Knows records of plain fields: no float32, enumeration, list or nested record.
+/// ISO-8601 dates; a number may have more digits than it needs), and where each record stands. Such a text
+/// need not be decoded and encoded again to add a record to it. Knows records of plain fields: no float32,
+/// enumeration, list or nested record.
 class LayoutScanner {
 public:
     LayoutScanner(std::string_view text, const Schema& schema);
@@ -30,6 +31,8 @@ public:
 
 private:
     bool take(std::string_view expected);
+    bool take(char expected);
+    [[nodiscard]] std::size_t left() const { return m_text.size() - m_at; }
     bool passRecord();
     bool passValue(std::size_t field);
     bool passInteger(std::size_t field);
@@ -41,7 +44,7 @@ private:
 
     std::string_view m_text;
     const Schema& m_schema;
-    std::vector<std::string> m_keys; ///< in sorted order, as they stand before a value, without the comma
+    std::vector<std::string> m_keys; ///< in sorted order, as they stand between two values
     std::vector<std::int64_t> m_integers;
     std::size_t m_at = 0;
     std::size_t m_begin = 0;

@@ -158,7 +158,7 @@ private:
         if (!list.hasChanged())
             return results;
 
-        const auto written = replaceFile(*m_url, list.text());
+        const auto written = replaceFile(*m_url, list.takeText());
         if (written)
             return results;
         for (std::size_t i = 0; i < appends.size(); ++i) {

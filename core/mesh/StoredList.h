@@ -13,7 +13,7 @@ namespace nightjar {
 
 /// The content of a store's file while records are added to it. The bytes of the records that stay are kept
 /// as they are when they stand in our own layout, as they nearly always do; any other list is first brought
-/// into it. So the file comes out the same as if every record had been decoded and encoded again.
+/// into it. So the file says the same as if every record had been decoded and encoded again.
 template <class Record>
 class StoredList {
 public:
@@ -28,7 +28,8 @@ public:
     /// written.
     [[nodiscard]] std::expected<void, std::string> add(const Record& record, std::size_t maximumCount);
     [[nodiscard]] bool hasChanged() const { return !m_added.empty(); }
-    [[nodiscard]] std::string text() const;
+    /// The new content of the file. Nothing can be added any more.
+    [[nodiscard]] std::string takeText();
 
 private:
     bool scan();
