@@ -103,7 +103,10 @@ std::string nodeSentence(const MeshNode& node, std::string_view name, Date now) 
         sentence += " not heard lately";
         break;
     }
-    if (node.batteryLevel)
+    // Radios report 101 while they are plugged in.
+    if (node.batteryLevel > 100)
+        sentence += ", external power";
+    else if (node.batteryLevel)
         sentence += ", battery " + std::to_string(*node.batteryLevel) + " %";
     if (node.signalToNoise)
         sentence += ", SNR " + decimal(*node.signalToNoise) + " dB";

@@ -35,8 +35,9 @@ TEST(ReadableTextTest, aNodeIsDescribedByHowItIsReached) {
     node.signalToNoise = 6.25F;
     EXPECT_EQ(nodeSentence(node, "Fox", now),
               "node Fox (!0000abcd) heard directly, battery 84 %, SNR 6.2 dB");
-    EXPECT_EQ(nodeSentence(node, "Fox", now + Seconds{7200}).substr(0, 38),
-              "node Fox (!0000abcd) not heard lately,");
+    node.batteryLevel = 101;
+    EXPECT_EQ(nodeSentence(node, "Fox", now + Seconds{7200}),
+              "node Fox (!0000abcd) not heard lately, external power, SNR 6.2 dB");
 }
 
 } // namespace

@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "platform/PlatformServices.h"
+#include "platform/linux/IcuTextServices.h"
+#include "platform/linux/JsonFilePreferences.h"
+#include "platform/linux/QtMainThread.h"
+#include "platform/linux/QtScheduler.h"
+#include "program/DemoProfile.h"
+
+namespace nightjar {
+
+/// The demo's computer with the real event loop: settings live in memory, notifications go nowhere.
+class DemoPlatform {
+public:
+    /// The base radio of the profile is the one that was used last, so it is connected at the start.
+    explicit DemoPlatform(DemoProfile profile);
+
+    [[nodiscard]] PlatformServices services();
+
+private:
+    class Silence final : public NotificationCenter {
+    public:
+        void requestPermission() override {}
+        void post(const Notification&) override {}
+    };
+
+    DemoProfile m_profile;
+    QtMainThread m_mainThread;
+    QtScheduler m_scheduler;
+    JsonFilePreferences m_preferences{std::nullopt, m_scheduler};
+    Silence m_notifications;
+    IcuTextServices m_text{std::string()};
+};
+
+} // namespace nightjar
