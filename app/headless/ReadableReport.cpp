@@ -91,8 +91,11 @@ void ReadableReport::printStates() {
         state.printed = text;
     }
     // Printing an error is what a click on OK is in the window: the same sentence is told again next time.
-    if (m_model.errorMessage() && m_states.back().printed == m_model.errorMessage())
-        m_model.setErrorMessage({});
+    State& error = m_states.back();
+    if (error.printed.empty() || error.printed != m_model.errorMessage())
+        return;
+    error.printed.clear();
+    m_model.setErrorMessage({});
 }
 
 void ReadableReport::printNodes() {
