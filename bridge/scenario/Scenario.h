@@ -161,8 +161,8 @@ struct Fault {
 };
 
 struct Scenario {
-    std::uint64_t seed = 1;
-    double speed = 1; ///< world seconds in a real second
+    std::optional<std::uint64_t> seed; ///< absent = another world each time
+    double speed = 1;                  ///< world seconds in a real second
     RadioPlan radio;
     std::vector<NodePlan> nodes;
     std::vector<ScriptedText> script;

@@ -59,7 +59,7 @@ std::expected<Scenario, std::string> parseScenario(std::string_view text) {
     Scenario scenario;
     std::ignore = reader.require("scenario").integer<int>("scenario", formVersion, formVersion);
     std::ignore = reader.text("about");
-    scenario.seed = reader.integer<std::uint32_t>("seed").value_or(1);
+    scenario.seed = reader.integer<std::uint32_t>("seed");
     scenario.speed = reader.number("speed", {0.01, 100'000}).value_or(1);
     reader.require("radio");
     if (auto radio = reader.object("radio")) {

@@ -36,15 +36,15 @@ std::string filled(std::string text, std::string_view typed) {
 
 } // namespace
 
-Chatter::Chatter(const Scenario& scenario, const WorldClock& clock, Agenda& agenda, const NodeWorld& nodes,
-                 Say say)
+Chatter::Chatter(const Scenario& scenario, std::uint64_t seed, const WorldClock& clock, Agenda& agenda,
+                 const NodeWorld& nodes, Say say)
     : m_scenario(scenario),
       m_clock(clock),
       m_agenda(agenda),
       m_nodes(nodes),
       m_say(std::move(say)),
-      m_random(scenario.seed, randomStream),
-      m_replyRandom(scenario.seed, replyStream) {}
+      m_random(seed, randomStream),
+      m_replyRandom(seed, replyStream) {}
 
 void Chatter::start() {
     for (const ScriptedText& text : m_scenario.script) {

@@ -15,8 +15,8 @@ class Chatter {
 public:
     using Say = std::function<void(const MeshMessage&)>;
 
-    Chatter(const Scenario& scenario, const WorldClock& clock, Agenda& agenda, const NodeWorld& nodes,
-            Say say);
+    Chatter(const Scenario& scenario, std::uint64_t seed, const WorldClock& clock, Agenda& agenda,
+            const NodeWorld& nodes, Say say);
 
     void start();
     void stop() { m_stopped = true; }

@@ -6,12 +6,13 @@
 
 namespace nightjar::bridge {
 
-NodeWorld::NodeWorld(const Scenario& scenario, const WorldClock& clock, Agenda& agenda, Heard heard)
+NodeWorld::NodeWorld(const Scenario& scenario, std::uint64_t seed, const WorldClock& clock, Agenda& agenda,
+                     Heard heard)
     : m_clock(clock), m_agenda(agenda), m_heard(std::move(heard)) {
     m_nodes.reserve(scenario.nodes.size() + 1);
-    m_nodes.emplace_back(scenario.radio.node, clock, scenario.seed);
+    m_nodes.emplace_back(scenario.radio.node, clock, seed);
     for (const NodePlan& plan : scenario.nodes)
-        m_nodes.emplace_back(plan, clock, scenario.seed);
+        m_nodes.emplace_back(plan, clock, seed);
 }
 
 void NodeWorld::start() {

@@ -14,7 +14,8 @@ class NodeWorld {
 public:
     using Heard = std::function<void(const MeshNode&)>;
 
-    NodeWorld(const Scenario& scenario, const WorldClock& clock, Agenda& agenda, Heard heard);
+    NodeWorld(const Scenario& scenario, std::uint64_t seed, const WorldClock& clock, Agenda& agenda,
+              Heard heard);
 
     /// Enters the reports of all nodes that make some.
     void start();

@@ -19,17 +19,24 @@ MeshtasticBridgeResponse event(MeshtasticBridgeEvent kind) {
     return response;
 }
 
+/// Without a seed in the file each connection gets identities that no earlier one had, so that a client which
+/// keeps messages does not take them for repeats.
+std::uint64_t chosenSeed(const Scenario& scenario) {
+    return scenario.seed.value_or(std::hash<Uuid>{}(Uuid::random()));
+}
+
 } // namespace
 
 SimulatedRadio::SimulatedRadio(Scenario scenario, std::string port, RadioListener& listener,
                                Mischief& mischief)
     : m_scenario(std::move(scenario)),
+      m_seed(chosenSeed(m_scenario)),
       m_port(std::move(port)),
       m_listener(listener),
       m_mischief(mischief),
       m_settings(m_scenario.radio.settings),
       m_faults(m_scenario.faults),
-      m_packets(m_scenario.seed, packetStream) {}
+      m_packets(m_seed, packetStream) {}
 
 void SimulatedRadio::emit(const MeshtasticBridgeResponse& response) {
     if (!m_silent)
@@ -79,8 +86,8 @@ void SimulatedRadio::connect(const Uuid& request, Moment now) {
         response.message = message;
         emit(response);
     };
-    m_nodes.emplace(m_scenario, m_clock, m_agenda, heard);
-    m_chatter.emplace(m_scenario, m_clock, m_agenda, *m_nodes, said);
+    m_nodes.emplace(m_scenario, m_seed, m_clock, m_agenda, heard);
+    m_chatter.emplace(m_scenario, m_seed, m_clock, m_agenda, *m_nodes, said);
     m_backAt = WorldClock::realSeconds(m_scenario.radio.handshakeSeconds);
     answer(MeshtasticBridgeCommand::connect, connectedAnswer(request, m_port), [this] { startWorld(); });
 }

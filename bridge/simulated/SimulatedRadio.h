@@ -45,6 +45,7 @@ private:
     [[nodiscard]] bool hasChannel(std::uint32_t channel) const;
 
     const Scenario m_scenario;
+    const std::uint64_t m_seed;
     const std::string m_port;
     RadioListener& m_listener;
     Mischief& m_mischief;

@@ -123,7 +123,7 @@ void SimulatedRadio::restart() {
 
 void SimulatedRadio::startFlood(const Fault& fault) {
     const auto around = m_scenario.radio.node.position.value_or(Place{52.0, 5.0});
-    m_flood.emplace(fault, around, m_clock.date(m_agenda.now()), m_scenario.seed);
+    m_flood.emplace(fault, around, m_clock.date(m_agenda.now()), m_seed);
 }
 
 void SimulatedRadio::continueFlood() {

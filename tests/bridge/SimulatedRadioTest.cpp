@@ -207,6 +207,14 @@ TEST(SimulatedRadio, sameSeedGivesTheSameWorldHoweverOftenItIsLookedAt) {
     EXPECT_NE(first, played(8, Seconds{60}, one));
 }
 
+TEST(SimulatedRadio, withoutASeedAnotherConnectionHasOtherIdentities) {
+    PlayedWorld first(scenarioNamed("quiet"));
+    PlayedWorld second(scenarioNamed("quiet"));
+    first.connect();
+    second.connect();
+    EXPECT_NE(nodesIn(first.take(), fox).at(0).position->id, nodesIn(second.take(), fox).at(0).position->id);
+}
+
 TEST(SimulatedRadio, newFixesAlwaysHaveLaterWholeSecondDatesThatAreNotAheadOfTheClock) {
     PlayedWorld world(scenarioNamed("demo"));
     world.connect();
