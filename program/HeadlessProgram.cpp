@@ -6,6 +6,7 @@
 #include "radio/MeshRadio.h"
 
 #include <QCoreApplication>
+#include <QMetaObject>
 
 #include <chrono>
 #include <iostream>
@@ -104,7 +105,8 @@ void HeadlessProgram::outputLost(const QString& sentence) {
         std::cerr << "Standard output cannot be written: " << sentence.toStdString() << '.' << std::endl;
         m_exitStatus = EX_IOERR;
     }
-    QCoreApplication::quit();
+    // Later, since the event loop may not have begun.
+    QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
 }
 
 int HeadlessProgram::finish() {

@@ -168,6 +168,17 @@ TEST_F(HeadlessProgramTest, endsWhenItsReaderLeaves) {
     EXPECT_EQ(shell.readAllStandardError().toStdString(), "");
 }
 
+TEST_F(HeadlessProgramTest, aFullDiskEndsItWithASentence) {
+    QProcess process;
+    process.setProcessEnvironment(home.environment());
+    process.setStandardOutputFile(QStringLiteral("/dev/full"));
+    process.start(QStringLiteral(NIGHTJAR_PROGRAM), {QStringLiteral("--headless")});
+    EXPECT_TRUE(process.waitForFinished());
+    EXPECT_EQ(process.exitCode(), 74);
+    EXPECT_THAT(process.readAllStandardError().toStdString(),
+                HasSubstr("Standard output cannot be written: "));
+}
+
 TEST_F(HeadlessProgramTest, readableLinesGoOnWithoutInput) {
     RunningProgram program(
         home, {QStringLiteral("--headless"), QStringLiteral("--watch"), QStringLiteral("network")});
