@@ -41,9 +41,16 @@ function(nightjar_test name)
   else()
     target_link_libraries(${name} PRIVATE GTest::gtest_main)
   endif()
-  set(properties TIMEOUT 120 ENVIRONMENT "TZ=UTC;LC_ALL=C.UTF-8")
+  set(properties TIMEOUT 120)
   if(TEST_LABELS)
     list(APPEND properties LABELS "${TEST_LABELS}")
   endif()
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
+
+  # Of a list among those properties only the first element arrives: the environment is set once the names are known.
+  set(environment "TZ=UTC;LC_ALL=C.UTF-8;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp:die_after_fork=0")
+  set(environment_file ${CMAKE_CURRENT_BINARY_DIR}/${name}_environment.cmake)
+  file(WRITE ${environment_file}
+    "if(${name}_TESTS)\n  set_tests_properties(\${${name}_TESTS} PROPERTIES ENVIRONMENT \"${environment}\")\nendif()\n")
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${environment_file})
 endfunction()
