@@ -277,7 +277,7 @@ std::size_t residentBytes() {
 
 TEST(JsonDecode, givesTheMemoryOfAHugeLineBack) {
     auto decoder = makeBridgeDecoder();
-    const auto before = residentBytes();
+    [[maybe_unused]] const auto before = residentBytes();
     for (const char* ending : {"\"", "\\u0041\"", ""}) {
         std::string line = sent(R"("status":")" + std::string(100'000'000, 'x') + ending);
         const auto response = decoder.decode<MeshtasticBridgeResponse>(line);
