@@ -36,9 +36,8 @@ TEST(QtMainThread, jobsOfEveryThreadRunInTheirOrderOnTheMainThread) {
         for (std::size_t t = 0; t < threads; ++t) {
             posters.emplace_back([&, t] {
                 for (int i = 0; i < perThread; ++i) {
-                    mainThread.post([&seen, t, i, payload = std::make_unique<int>(i)] {
-                        seen[t].push_back(*payload + i - i);
-                    });
+                    mainThread.post(
+                        [&seen, t, payload = std::make_unique<int>(i)] { seen[t].push_back(*payload); });
                 }
             });
         }
