@@ -3,12 +3,11 @@
 
 // A million node lines from a real bridge process to whoever consumes them on the main thread.
 
+#include "bench/FloodReport.h"
 #include "bench/RadioBench.h"
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <string>
 
 using namespace nightjar;
@@ -50,20 +49,6 @@ private:
     std::optional<MeshRadio> m_radio;
 };
 
-double statusMegabytes(const std::string& key) {
-    std::ifstream file("/proc/self/status");
-    for (std::string line; std::getline(file, line);) {
-        if (line.starts_with(key))
-            return std::atof(line.c_str() + key.size()) / 1024;
-    }
-    return 0;
-}
-
-void print(const char* what, double value, const char* unit, bool asWanted, const char* wanted) {
-    std::printf("%-28s %12.1f %-10s %s (wanted: %s)\n", what, value, unit, asWanted ? "ok    " : "MISSED",
-                wanted);
-}
-
 } // namespace
 
 int main(int count, char** arguments) {
@@ -71,22 +56,10 @@ int main(int count, char** arguments) {
     ::setenv("NIGHTJAR_FLOOD_LINES", lines.c_str(), 1);
     bench::RadioBench rig;
     CountingConsumer consumer;
-    std::ofstream("/proc/self/clear_refs") << "5";
-    const double before = statusMegabytes("VmHWM:");
-
-    const auto start = std::chrono::steady_clock::now();
+    const bench::FloodReport report;
     consumer.start(rig);
     rig.mainThread.runUntil([&] { return consumer.hasEverything(); });
-    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-
     const auto wantedLines = std::strtoull(lines.c_str(), nullptr, 10);
-    const double rate = static_cast<double>(consumer.nodeLines()) / seconds.count();
-    const double growth = statusMegabytes("VmHWM:") - before;
-    const double busy = rig.mainThread.longestMilliseconds();
-    print("lines that arrived", static_cast<double>(consumer.nodeLines()), "",
-          consumer.nodeLines() == wantedLines, "all");
-    print("lines per second", rate, "1/s", rate >= 150000, "at least 150000");
-    print("growth of memory at its peak", growth, "MB", growth < 50, "below 50");
-    print("longest busy time", busy, "ms", busy <= 20, "at most 20");
+    report.print(consumer.nodeLines(), rig.mainThread.longestMilliseconds());
     return consumer.nodeLines() == wantedLines ? 0 : 1;
 }

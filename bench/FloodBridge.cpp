@@ -10,6 +10,7 @@
 #include <array>
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <unistd.h>
 
@@ -30,16 +31,32 @@ void say(const MeshtasticBridgeResponse& response) {
     write(encodeLine(response).value());
 }
 
+/// With NIGHTJAR_FLOOD_STANDING_NODES that many nodes take turns and none of them ever moves.
+std::vector<std::optional<MeshPosition>> standingPlaces(bench::Samples& samples) {
+    const char* count = std::getenv("NIGHTJAR_FLOOD_STANDING_NODES");
+    std::vector<std::optional<MeshPosition>> places(count ? std::strtoull(count, nullptr, 10) : 0);
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        places[i] = samples.position(0);
+        places[i]->nodeNumber = 0xA000'0000u + static_cast<std::uint32_t>(i);
+    }
+    return places;
+}
+
 /// Encoding a million records would measure this program, so a few thousand different lines come round and
 /// round.
 void flood(std::size_t lines) {
     constexpr std::size_t different = 4000;
     bench::Samples samples;
+    const auto places = standingPlaces(samples);
     std::vector<std::string> round;
     for (std::size_t i = 0; i < different; ++i) {
         MeshtasticBridgeResponse response;
         response.event = MeshtasticBridgeEvent::node;
         response.node = samples.node(static_cast<int>(i));
+        if (!places.empty()) {
+            response.node->position = places[i % places.size()];
+            response.node->number = response.node->position->nodeNumber;
+        }
         round.push_back(encodeLine(response).value());
     }
     std::string block;
