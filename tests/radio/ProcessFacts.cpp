@@ -21,7 +21,8 @@ struct Status {
 
 Status statusOf(const std::filesystem::path& process) {
     std::ifstream file(process / "stat");
-    const std::string text(std::istreambuf_iterator<char>(file), {});
+    std::string text; // stays empty when the process goes while it is looked at
+    std::getline(file, text);
     Status status;
     if (const auto end = text.rfind(')'); end != std::string::npos) {
         std::istringstream(text.substr(end + 1)) >> status.state >> status.parent;
