@@ -70,19 +70,17 @@ void HeadlessProgram::startJsonLines() {
         if (m_output.isFull())
             m_input->setPaused(true);
     };
-    auto& input = m_input.emplace(STDIN_FILENO, headless::LineInput::Listener{
-                                                    .onLine =
-                                                        [&session, pauseWhenFull](std::string_view line) {
-                                                            session.handle(line);
-                                                            pauseWhenFull();
-                                                        },
-                                                    .onTooLongLine =
-                                                        [&session, pauseWhenFull] {
-                                                            session.refuseTooLongLine();
-                                                            pauseWhenFull();
-                                                        },
-                                                    .onEnd = [] { QCoreApplication::quit(); },
-                                                });
+    headless::LineInput::Listener listener;
+    listener.onLine = [&session, pauseWhenFull](std::string_view line) {
+        session.handle(line);
+        pauseWhenFull();
+    };
+    listener.onTooLongLine = [&session, pauseWhenFull] {
+        session.refuseTooLongLine();
+        pauseWhenFull();
+    };
+    listener.onEnd = [] { QCoreApplication::quit(); };
+    auto& input = m_input.emplace(STDIN_FILENO, std::move(listener));
     connect(&m_output, &headless::LineOutput::drained, &session, [&session, &input] {
         input.setPaused(false);
         session.flush();

@@ -61,15 +61,25 @@ void LineOutput::send(std::string_view line) {
     if (m_writable.isEnabled())
         return;
     if (waiting() >= burst)
-        return writeOut();
+        writeWaiting();
     if (m_scheduled)
         return;
+    // `drained` is told from there: never inside this call, whose caller may be in the middle of its list.
     m_scheduled = true;
     QMetaObject::invokeMethod(this, &LineOutput::writeOut, Qt::QueuedConnection);
 }
 
 void LineOutput::writeOut() {
     m_scheduled = false;
+    writeWaiting();
+    if (!m_wasFull || waiting() > m_mark / 2)
+        return;
+    m_wasFull = false;
+    if (!m_lost)
+        Q_EMIT drained();
+}
+
+void LineOutput::writeWaiting() {
     bool blocked = false;
     while (!m_lost && !blocked && waiting() > 0) {
         const long count = writeSome();
@@ -83,11 +93,6 @@ void LineOutput::writeOut() {
     forgetWritten();
     if (m_writable.isEnabled() != blocked)
         m_writable.setEnabled(blocked);
-    if (m_wasFull && waiting() <= m_mark / 2) {
-        m_wasFull = false;
-        if (!m_lost)
-            Q_EMIT drained();
-    }
 }
 
 void LineOutput::finish(std::chrono::milliseconds patience) {

@@ -44,6 +44,7 @@ private:
     enum class Kind { plain, nonBlocking, socket, careful };
 
     [[nodiscard]] std::size_t waiting() const { return m_bytes.size() - m_written; }
+    void writeWaiting();
     [[nodiscard]] long writeSome();
     void forgetWritten();
     void fail(int error);
