@@ -103,13 +103,13 @@ void BaseConnection::release() {
 }
 
 void BaseConnection::drop() {
-    m_connecting = false;
     m_connectedPort.set({});
     m_localNodeID.set({});
 }
 
 void BaseConnection::lose() {
     m_link = 0;
+    m_connecting = false;
     drop();
 }
 

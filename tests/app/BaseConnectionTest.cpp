@@ -209,6 +209,15 @@ TEST_F(BaseConnectionTest, aRadioThatGoesStaysTheOneToReconnect) {
     EXPECT_EQ(model->nodes().size(), 1U) << "its bridge is still there";
 }
 
+TEST_F(BaseConnectionTest, aBridgeThatWasWithoutItsRadioAtFirstConnectsAllTheSame) {
+    start();
+    model->connect(port);
+    event({.event = Event::disconnected});
+    radio->connects.back().done(port);
+    expectTexts("Connected", "Connected · waiting for radio settings");
+    EXPECT_EQ(model->connectedPort(), port);
+}
+
 TEST_F(BaseConnectionTest, aLostBridgeNeverLooksConnected) {
     const std::vector<std::tuple<MeshRadioError, std::string, std::string>> cases{
         {{MeshRadioError::Kind::bridgeStopped},
