@@ -30,7 +30,12 @@ MeshtasticBridgeRequest newRequest(MeshtasticBridgeCommand command) {
 
 BridgeClient::BridgeClient(const HostEnvironment& host, const PollClock& clock, MainThreadInbox& inbox,
                            const MeshRadioOptions& options)
-    : m_host(host), m_clock(clock), m_inbox(inbox), m_options(options), m_buffer(65536) {}
+    : m_host(host),
+      m_clock(clock),
+      m_inbox(inbox),
+      m_options(options),
+      m_buffer(65536),
+      m_leaving(options.endingGrace) {}
 
 void BridgeClient::connect(std::optional<std::string> port, ListenerPointer listener,
                            Completion<std::string> done) {
@@ -103,16 +108,18 @@ void BridgeClient::endInstance() {
             [this](const auto&) { stopInstance({cancelled}); });
 }
 
-/// No bridge runs: whoever waited for that goes on.
+/// No bridge is in use: whoever waited for that goes on. A new bridge waits until the old one's process is
+/// gone too.
 void BridgeClient::proceed() {
+    if (m_instance)
+        return;
     for (auto& done : std::exchange(m_disconnects, {}))
         queue(std::move(done));
-    if (m_attempt && !m_attempt->started)
+    if (m_attempt && m_leaving.areGone())
         startAttempt();
 }
 
 void BridgeClient::startAttempt() {
-    m_attempt->started = true;
     const auto number = m_attempt->number;
     const auto port = m_attempt->port;
     if (!port || port->empty() || !m_host.exists(*port)) {
@@ -180,7 +187,7 @@ void BridgeClient::stopInstance(const MeshRadioError& error) {
     const auto instance = std::exchange(m_instance, nullptr);
     if (!instance)
         return;
-    m_leaving.add(std::move(instance->child), m_clock.now() + m_options.endingGrace);
+    m_leaving.add(std::move(instance->child), m_clock.now());
     m_pending.failAll(instance->endBy ? Error{cancelled} : error);
     const bool askedFor = instance->endBy.has_value() || !instance->established;
     // The listener's last owner is this job, so that it dies on the main thread too.

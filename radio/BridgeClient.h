@@ -58,7 +58,6 @@ private:
         std::optional<std::string> port;
         ListenerPointer listener;
         Completion<std::string> done;
-        bool started = false;
     };
     enum PollEntry : std::size_t { exitEntry, outputEntry, errorsEntry, inputEntry, entryCount };
 

@@ -79,6 +79,7 @@ void BridgeClient::afterPoll(std::span<const pollfd> polled) {
     }
     const auto now = m_clock.now();
     m_leaving.attend(now);
+    proceed();
     if (m_instance && m_instance->endBy && *m_instance->endBy <= now) {
         stopInstance({MeshRadioError::Kind::cancelled});
     }

@@ -17,28 +17,32 @@ void readAway(FileDescriptor& pipe) {
 
 } // namespace
 
-void LeavingProcesses::add(ChildProcess child, TimePoint forceAt) {
+void LeavingProcesses::add(ChildProcess child, TimePoint now) {
     child.input.reset();
     if (child.hasExited())
         return;
     child.signal(SIGTERM);
-    m_leaving.push_back({std::move(child), forceAt});
+    m_leaving.push_back({std::move(child), Stage::asked, now + m_grace});
+}
+
+bool LeavingProcesses::areGone() const {
+    return std::ranges::all_of(m_leaving, [](const auto& leaving) { return leaving.stage == Stage::stuck; });
 }
 
 std::optional<LeavingProcesses::TimePoint> LeavingProcesses::nextDeadline() const {
     std::optional<TimePoint> next;
     for (const auto& leaving : m_leaving) {
-        if (leaving.forceAt && (!next || *leaving.forceAt < *next))
-            next = leaving.forceAt;
+        if (leaving.stage != Stage::stuck && (!next || leaving.deadline < *next))
+            next = leaving.deadline;
     }
     return next;
 }
 
 void LeavingProcesses::addPollEntries(std::vector<pollfd>& entries) const {
-    for (const auto& [child, forceAt] : m_leaving) {
-        entries.push_back({child.exitDescriptor(), POLLIN, 0});
-        entries.push_back({child.output.get(), POLLIN, 0});
-        entries.push_back({child.errors.get(), POLLIN, 0});
+    for (const auto& leaving : m_leaving) {
+        entries.push_back({leaving.child.exitDescriptor(), POLLIN, 0});
+        entries.push_back({leaving.child.output.get(), POLLIN, 0});
+        entries.push_back({leaving.child.errors.get(), POLLIN, 0});
     }
 }
 
@@ -46,19 +50,20 @@ void LeavingProcesses::attend(TimePoint now) {
     for (auto& leaving : m_leaving) {
         readAway(leaving.child.output);
         readAway(leaving.child.errors);
-        if (!leaving.forceAt || *leaving.forceAt > now)
+        if (leaving.stage == Stage::stuck || leaving.deadline > now)
             continue;
+        leaving.stage = leaving.stage == Stage::asked ? Stage::forced : Stage::stuck;
+        leaving.deadline = now + m_grace;
         leaving.child.signal(SIGKILL);
-        leaving.forceAt.reset();
     }
     std::erase_if(m_leaving, [](auto& leaving) { return leaving.child.hasExited(); });
 }
 
-void LeavingProcesses::endAll(std::chrono::milliseconds grace) {
-    waitForAll(grace);
+void LeavingProcesses::endAll(std::chrono::milliseconds limit) {
+    waitForAll(limit);
     for (const auto& leaving : m_leaving)
         leaving.child.signal(SIGKILL);
-    waitForAll(grace);
+    waitForAll(limit);
     m_leaving.clear();
 }
 

@@ -30,7 +30,8 @@ class RadioThread;
 /// `disconnect` or of a failed `connect`, is no event.
 class MeshRadio final : public RadioLink {
 public:
-    /// Everything given outlives the MeshRadio.
+    /// Everything given outlives the MeshRadio. Throws std::system_error when the process has no descriptor
+    /// left.
     MeshRadio(const HostEnvironment& host, MainThread& mainThread, PollClock& clock,
               MeshRadioOptions options = {});
     /// Ends the bridge, by force where it does not go within the final grace, and waits for that. Completions

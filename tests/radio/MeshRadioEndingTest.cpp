@@ -82,22 +82,26 @@ TEST_F(MeshRadioEnding, aBridgeThatIgnoresThePoliteEndIsForced) {
     disconnect();
     ASSERT_TRUE(tells("disconnect done"));
     ASSERT_TRUE(clock.waitUntilArmed(options.endingGrace));
-    EXPECT_EQ(childProcesses().size(), 1u);
-    ASSERT_TRUE(connectsTo("good")) << "the old one does not stand in the way";
+    const auto old = childProcesses();
+    EXPECT_EQ(old.size(), 1u);
+    useBridge("good");
+    story.clear();
+    connect();
+    ASSERT_TRUE(clock.waitUntilArmed(options.endingGrace));
+    EXPECT_EQ(childProcesses(), old) << "two bridges would fight for one radio";
 
     clock.advance(options.endingGrace);
-    EXPECT_TRUE(waitFor([] { return childProcesses().size() == 1; }));
+    EXPECT_TRUE(tells("connected to /dev/cu.usbmodem1"));
+    EXPECT_EQ(childProcesses().size(), 1u);
+    EXPECT_NE(childProcesses(), old);
 }
 
-TEST_F(MeshRadioEnding, theDestructorEndsEveryBridgeAndDropsWhatWaits) {
+TEST_F(MeshRadioEnding, theDestructorEndsTheBridgeAndDropsWhatWaits) {
     const auto held = std::make_shared<int>(0);
     ASSERT_TRUE(connectsTo("ignores-end+silent-on-send"));
-    disconnect();
-    ASSERT_TRUE(tells("disconnect done"));
-    ASSERT_TRUE(connectsTo("ignores-end+silent-on-send"));
     radio->sendText("hello", {}, 0, [this, held](auto) { story.emplace_back("completed"); });
-    ASSERT_TRUE(clock.waitUntilArmed(options.endingGrace));
-    EXPECT_EQ(childProcesses().size(), 2u);
+    ASSERT_TRUE(clock.waitUntilArmed(5s));
+    EXPECT_EQ(childProcesses().size(), 1u);
 
     const auto start = std::chrono::steady_clock::now();
     radio.reset();
@@ -106,6 +110,17 @@ TEST_F(MeshRadioEnding, theDestructorEndsEveryBridgeAndDropsWhatWaits) {
     mainThread.runPending();
     EXPECT_EQ(timesTold("completed"), 0);
     EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST_F(MeshRadioEnding, theDestructorEndsABridgeThatIsOnItsWayOutAlready) {
+    ASSERT_TRUE(connectsTo("ignores-end"));
+    disconnect();
+    ASSERT_TRUE(tells("disconnect done"));
+    connect();
+    ASSERT_TRUE(clock.waitUntilArmed(options.endingGrace));
+
+    radio.reset();
+    EXPECT_TRUE(childProcesses().empty());
 }
 
 TEST_F(MeshRadioEnding, theRadioMayBeDestroyedByWhatItTells) {
