@@ -22,10 +22,14 @@ SessionNotificationCenter::~SessionNotificationCenter() {
 }
 
 QDBusConnection SessionNotificationCenter::openSessionBus() {
-    // A name is bound to its first connection even when that is dead, so each one gets a new name.
+    // A name is bound to its first connection even when that is dead, so each one gets a new name. The
+    // address is looked up here because the library below remembers the first one for as long as the process
+    // runs.
     static std::atomic<int> opened = 0;
-    return QDBusConnection::connectToBus(QDBusConnection::SessionBus,
-                                         QStringLiteral("nightjar-notifications-%1").arg(++opened));
+    const auto name = QStringLiteral("nightjar-notifications-%1").arg(++opened);
+    const auto address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    return address.isEmpty() ? QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)
+                             : QDBusConnection::connectToBus(address, name);
 }
 
 void SessionNotificationCenter::requestPermission() {
