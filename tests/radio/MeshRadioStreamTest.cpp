@@ -3,6 +3,8 @@
 #include "tests/radio/ProcessFacts.h"
 #include "tests/radio/RadioFixture.h"
 
+#include <unistd.h>
+
 namespace nightjar {
 namespace {
 
@@ -98,7 +100,7 @@ TEST_F(MeshRadioStream, whatABridgeWroteBeforeItsExitArrivesBeforeTheNews) {
     ASSERT_TRUE(connectsTo("words-then-exit"));
     ASSERT_TRUE(tells("lost bridgeStopped"));
 
-    expectFloodInOrder(1000);
+    expectFloodInOrder(1500);
     EXPECT_EQ(story.back(), "lost bridgeStopped");
 }
 
@@ -113,17 +115,38 @@ TEST_F(MeshRadioStream, anAnswerFollowedByTheExitArrives) {
     }
 }
 
-TEST_F(MeshRadioStream, aPausedReaderStillDrainsABridgeThatHasExited) {
-    options.inboxHighBytes = 20000;
-    options.inboxLowBytes = 5000;
-    options.mainThreadSlice = 0us;
-    createRadio();
+/// An inbox that is full after one read, and a main thread that does not come to empty it.
+struct MeshRadioPaused : MeshRadioStream {
+    MeshRadioPaused() {
+        options.inboxHighBytes = 20000;
+        options.inboxLowBytes = 5000;
+        options.mainThreadSlice = 0us;
+        createRadio();
+    }
+};
+
+TEST_F(MeshRadioPaused, aBridgeThatHasExitedIsStillReadToItsEnd) {
     useBridge("words-then-exit");
     connect();
-    ASSERT_TRUE(waitWithoutMainThread([] { return childProcesses().empty(); }));
+    ASSERT_TRUE(
+        waitWithoutMainThread([&] { return mainThread.waitingJobs() > 0 && childProcesses().empty(); }));
 
     ASSERT_TRUE(tells("lost bridgeStopped"));
-    expectFloodInOrder(1000);
+    expectFloodInOrder(1500);
+}
+
+TEST_F(MeshRadioPaused, aRequestThatMeetsAnEndNotYetSeenFailsWithThatEnd) {
+    useBridge("words-then-closed-pipes");
+    connect();
+    ASSERT_TRUE(waitWithoutMainThread([&] { return mainThread.waitingJobs() > 0; }));
+    ASSERT_EQ(childProcesses().size(), 1u);
+    const auto output = "/proc/" + std::to_string(*childProcesses().begin()) + "/fd/1";
+    ASSERT_TRUE(waitWithoutMainThread([&] { return ::access(output.c_str(), F_OK) != 0; }));
+    sendText("hello");
+
+    ASSERT_TRUE(tells("lost bridgeStopped"));
+    EXPECT_EQ(timesTold("hello failed: bridgeStopped"), 1);
+    expectFloodInOrder(1500);
 }
 
 } // namespace

@@ -144,9 +144,16 @@ void afterConnect() {
         flood(50000);
     if (behaves("grandchild"))
         leaveGrandchild();
+    // More than one read takes, less than the pipe holds beyond that.
     if (behaves("words-then-exit")) {
-        flood(1000);
+        flood(1500);
         std::_Exit(0);
+    }
+    if (behaves("words-then-closed-pipes")) {
+        flood(1500);
+        ::close(STDIN_FILENO);
+        ::close(STDOUT_FILENO);
+        hang();
     }
     if (behaves("closes-input")) {
         ::close(STDIN_FILENO);
