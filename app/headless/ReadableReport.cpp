@@ -114,8 +114,9 @@ void ReadableReport::printNodes() {
 void ReadableReport::printMessages() {
     const auto& messages = m_model.messages();
     m_seenMessages = std::min(m_seenMessages, messages.size());
+    // What somebody wrote is told however much else there is.
     while (m_seenMessages < messages.size())
-        printOrCount(messageLine(messages[m_seenMessages++]));
+        print(messageLine(messages[m_seenMessages++]));
 }
 
 std::string ReadableReport::messageLine(const MeshMessage& message) const {

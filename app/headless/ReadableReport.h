@@ -20,8 +20,8 @@
 namespace nightjar::headless {
 
 /// The mesh side as lines for people: one per change and alert, with the time of day. Main thread. Alerts are
-/// always printed. Under a flood everything else is held to a number of lines a second: states then come with
-/// their latest text, and nodes and messages beyond the number are only counted.
+/// always printed, and so is what somebody wrote. Under a flood everything else is held to a number of lines
+/// a second: states then come with their latest text, and nodes beyond the number are only counted.
 class ReadableReport : public QObject {
     Q_OBJECT
 public:

@@ -26,7 +26,7 @@ BaseConnection::BaseConnection(const HostEnvironment& host, Preferences& prefere
 std::optional<BaseConnection::Base> BaseConnection::base() const {
     // While another radio is being connected the number of the former one still stands; its name belongs to
     // its own port.
-    if (!isEstablished() || m_localNodeLink != m_link)
+    if (m_connecting || !isEstablished() || m_localNodeLink != m_link)
         return std::nullopt;
     return Base{*connectedPort(), *localNodeID()};
 }
@@ -97,6 +97,7 @@ void BaseConnection::reject(const MeshRadioError& error) {
 
 void BaseConnection::release() {
     m_link = ++m_generation;
+    m_lastRelease = m_link;
     drop();
     m_selectedPort.set({});
     m_preferences.remove(serialPortKey);

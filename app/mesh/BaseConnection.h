@@ -50,6 +50,10 @@ public:
     /// another one are void. An attempt that found no port leaves the bridge alone, and a guarded node is
     /// still heard through it.
     [[nodiscard]] int link() const { return m_link; }
+    /// Whether `link` has been replaced by another connection, and not by a disconnection: its bridge is
+    /// heard until it has stopped, so that no message and no position of the guarded node falls between two
+    /// connections.
+    [[nodiscard]] bool isReplaced(int link) const { return link > m_lastRelease && link < m_link; }
     /// Whether a radio is connected and has told its own node number.
     [[nodiscard]] bool isEstablished() const { return connectedPort() && localNodeID(); }
     /// The connected radio, once it has itself told its number over this connection.
@@ -98,6 +102,7 @@ private:
     int m_generation = 0;
     int m_latestAttempt = 0;
     int m_link = 0;
+    int m_lastRelease = 0; ///< the generation in which the user last let go of a radio
     bool m_connecting = false;
     int m_localNodeLink = 0; ///< the connection over which the local node number came
 };

@@ -170,6 +170,8 @@ private:
     void settleBaseAtStart(int generation);
 
     void finishConnect(const std::expected<std::string, MeshRadioError>& port);
+    void hear(const MeshtasticBridgeResponse& response, int link);
+    void hearFormer(const MeshtasticBridgeResponse& response);
     void handle(const MeshtasticBridgeResponse& response);
     void handleDisconnected(const std::optional<std::string>& status);
     void handleLost(const MeshRadioError& error);
@@ -200,6 +202,7 @@ private:
     RadioSettingsFlow m_radioSettings;
     Published<SettingsTab> m_selectedSettingsTab;
     int m_storesLoaded = 0;
+    bool m_tellsOfNoRadio = false; ///< the status lines say why there is no radio
     Lifetime m_lifetime;
 };
 

@@ -14,8 +14,24 @@ namespace {
 constexpr std::size_t maximumStoredPositions = 10'000;
 } // namespace
 
+void NightjarModel::hear(const MeshtasticBridgeResponse& response, int link) {
+    if (link == m_connection.link()) {
+        handle(response);
+    } else if (m_connection.isReplaced(link)) {
+        hearFormer(response);
+    }
+}
+
+/// What a bridge says of the mesh while it is being replaced is as true as before; what it says of itself is
+/// not.
+void NightjarModel::hearFormer(const MeshtasticBridgeResponse& response) {
+    if (response.event == MeshtasticBridgeEvent::node || response.event == MeshtasticBridgeEvent::message)
+        handle(response);
+}
+
 void NightjarModel::handle(const MeshtasticBridgeResponse& response) {
     using Event = MeshtasticBridgeEvent;
+    m_tellsOfNoRadio = false;
     switch (response.event) {
     case Event::ready:
     case Event::connected:
@@ -58,6 +74,7 @@ void NightjarModel::handleDisconnected(const std::optional<std::string>& status)
     m_status.connectionState.set(status.value_or("Disconnected"));
     m_status.radioSettingsState.set(
         "The base station is disconnected. Activate it again in the Meshtastic sidebar.");
+    m_tellsOfNoRadio = true;
 }
 
 void NightjarModel::handleLost(const MeshRadioError& error) {
@@ -65,6 +82,9 @@ void NightjarModel::handleLost(const MeshRadioError& error) {
     m_connection.lose();
     clearBaseState();
     m_radioSettings.abandon();
+    // Whoever reads why there is no radio already learns nothing from the end of its bridge.
+    if (m_tellsOfNoRadio)
+        return;
     m_status.connectionState.set(ConnectionTexts::connectionStatus(error));
     m_status.radioSettingsState.set(ConnectionTexts::connectionDetail(error));
 }

@@ -39,16 +39,17 @@ void NightjarModel::refreshPorts() {
 }
 
 void NightjarModel::connect(const std::optional<std::string>& port) {
+    m_tellsOfNoRadio = false;
     const auto attempt = m_connection.begin(port);
-    if (!attempt)
+    if (!attempt) {
+        m_tellsOfNoRadio = true;
         return;
+    }
 
     const auto generation = attempt->generation;
     RadioLink::Listener listener{
-        .onEvent = m_lifetime.guarded([this, generation](const MeshtasticBridgeResponse& response) {
-            if (generation == m_connection.link())
-                handle(response);
-        }),
+        .onEvent = m_lifetime.guarded(
+            [this, generation](const MeshtasticBridgeResponse& response) { hear(response, generation); }),
         .onLost = m_lifetime.guarded([this, generation](const MeshRadioError& error) {
             if (generation == m_connection.link())
                 handleLost(error);

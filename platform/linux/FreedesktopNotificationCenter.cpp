@@ -60,7 +60,7 @@ void FreedesktopNotificationCenter::requestPermission() {
 void FreedesktopNotificationCenter::post(const Notification& notification) {
     if (!m_bus.isConnected())
         return;
-    Posted* posted = remember(notification.identifier);
+    Posted* posted = remember(notification);
     if (!posted)
         return;
     if (posted->underWay)
@@ -69,12 +69,14 @@ void FreedesktopNotificationCenter::post(const Notification& notification) {
         begin(*posted, notification);
 }
 
-/// Null when too many calls are under way to take another.
+/// Null when too many calls are under way to take another; an alarm is always taken.
 FreedesktopNotificationCenter::Posted*
-FreedesktopNotificationCenter::remember(const std::string& identifier) {
+FreedesktopNotificationCenter::remember(const Notification& notification) {
+    const std::string& identifier = notification.identifier;
+    const bool isAlarm = notification.sound == NotificationSound::critical;
     if (!m_posted.contains(identifier) && m_posted.size() >= maximumRemembered)
         forgetOldest();
-    if (!m_posted.contains(identifier) && m_posted.size() >= maximumRemembered)
+    if (!m_posted.contains(identifier) && m_posted.size() >= maximumRemembered && !isAlarm)
         return nullptr;
     Posted& posted = m_posted[identifier];
     posted.turn = ++m_turns;

@@ -63,7 +63,7 @@ private:
     };
     using Answered = std::function<void(const QDBusMessage&)>;
 
-    [[nodiscard]] Posted* remember(const std::string& identifier);
+    [[nodiscard]] Posted* remember(const Notification& notification);
     void forgetOldest();
     void whenCapabilitiesAreKnown(std::function<void()> job);
     void askCapabilities();

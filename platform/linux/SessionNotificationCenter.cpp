@@ -33,17 +33,19 @@ QDBusConnection SessionNotificationCenter::openSessionBus() {
 }
 
 void SessionNotificationCenter::requestPermission() {
-    use([](NotificationCenter& center) { center.requestPermission(); });
+    use([](NotificationCenter& center) { center.requestPermission(); }, Importance::usual);
 }
 
 void SessionNotificationCenter::post(const Notification& notification) {
-    use([notification](NotificationCenter& center) { center.post(notification); });
+    const bool isAlarm = notification.sound == NotificationSound::critical;
+    use([notification](NotificationCenter& center) { center.post(notification); },
+        isAlarm ? Importance::alarm : Importance::usual);
 }
 
-void SessionNotificationCenter::use(Job job) {
+void SessionNotificationCenter::use(Job job, Importance importance) {
     if (m_center && m_center->isConnected())
         return job(*m_center);
-    if (m_waiting.size() < maximumWaiting)
+    if (m_waiting.size() < maximumWaiting || importance == Importance::alarm)
         m_waiting.push_back(std::move(job));
     if (!m_opening)
         open();

@@ -33,7 +33,9 @@ public:
 private:
     using Job = std::function<void(NotificationCenter&)>;
 
-    void use(Job job);
+    enum class Importance { usual, alarm };
+    /// Too many jobs that wait for the bus are not kept, alarms always are.
+    void use(Job job, Importance importance);
     void open();
     void opened(const QDBusConnection& bus);
     void close();

@@ -152,25 +152,55 @@ TEST_F(BaseConnectionTest, onlyTheLatestActionCounts) {
     }
 }
 
-TEST_F(BaseConnectionTest, aReplacedConnectionIsNotHeardAnyMore) {
+TEST_F(BaseConnectionTest, aReplacedConnectionStillTellsOfTheMeshButNotOfItself) {
     plugInSecond();
     startConnected();
     auto former = radio->connects.back().listener;
     model->connect(secondPort);
     former.onEvent({.event = Event::status, .status = "Restarting"});
-    former.onEvent({.event = Event::node, .node = node(42)});
     former.onEvent({.event = Event::disconnected});
+    former.onEvent({.event = Event::node, .node = node(42)});
+    former.onEvent({.event = Event::message, .message = received("last words")});
     former.onLost({MeshRadioError::Kind::bridgeStopped});
     expectTexts("Connecting…", "Checking the selected radio…");
-    EXPECT_THAT(model->nodes(), IsEmpty());
+    EXPECT_EQ(model->nodes().size(), 1U);
+    EXPECT_EQ(model->messages().size(), 1U);
 
     former = radio->connects.back().listener;
     radio->connects.back().done(secondPort);
     model->disconnect();
     former.onEvent({.event = Event::message, .message = received("late")});
+    former.onEvent({.event = Event::node, .node = node(43)});
     former.onEvent({.event = Event::localNode, .localNodeID = 9});
-    EXPECT_THAT(model->messages(), IsEmpty());
+    EXPECT_EQ(model->messages().size(), 1U);
     expectNothingOfTheBase();
+}
+
+TEST_F(BaseConnectionTest, anotherRadiosNameIsNotKeptUnderTheFormerPort) {
+    plugInSecond();
+    startConnected();
+    tellEverything();
+    model->connect(secondPort);
+    event({.event = Event::localNode, .localNodeID = 43});
+    hear(node(43).named("Other base"));
+    EXPECT_EQ(model->knownBaseNames().at(port), "Base");
+
+    radio->connects.back().done(secondPort);
+    EXPECT_EQ(model->knownBaseNames().at(secondPort), "Other base");
+}
+
+TEST_F(BaseConnectionTest, theEndOfABridgeDoesNotHideWhyThereIsNoRadio) {
+    startConnected();
+    event({.event = Event::disconnected, .status = "The radio was unplugged"});
+    lose({MeshRadioError::Kind::bridgeStopped});
+    expectTexts("The radio was unplugged",
+                "The base station is disconnected. Activate it again in the Meshtastic sidebar.");
+
+    startConnected();
+    event({.event = Event::disconnected});
+    event({.event = Event::status, .status = "Connected"});
+    lose({MeshRadioError::Kind::bridgeStopped});
+    expectTexts("Meshtastic Bridge stopped", "Halvard Meshtastic Bridge stopped unexpectedly.");
 }
 
 TEST_F(BaseConnectionTest, disconnectingForgetsTheRadioAndAllThatCameFromIt) {
