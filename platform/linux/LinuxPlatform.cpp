@@ -10,11 +10,17 @@ std::optional<std::filesystem::path> preferencesFile(const LinuxHostEnvironment&
         [](const std::filesystem::path& folder) { return folder / "Nightjar" / "preferences.json"; });
 }
 
+NotificationSettings withSound(AlertSound& sound) {
+    NotificationSettings settings;
+    settings.playSound = [&sound](NotificationSound wanted) { sound.play(wanted); };
+    return settings;
+}
+
 } // namespace
 
 LinuxPlatform::LinuxPlatform()
     : m_preferences(preferencesFile(m_host), m_scheduler),
-      m_notifications(m_mainThread, SessionNotificationCenter::openSessionBus, NotificationSettings()),
+      m_notifications(m_mainThread, SessionNotificationCenter::openSessionBus, withSound(m_alertSound)),
       m_text(IcuTextServices::systemLocale(m_host)) {}
 
 PlatformServices LinuxPlatform::services() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/PlatformServices.h"
+#include "platform/linux/AlertSound.h"
 #include "platform/linux/IcuTextServices.h"
 #include "platform/linux/JsonFilePreferences.h"
 #include "platform/linux/LinuxHostEnvironment.h"
@@ -27,6 +28,7 @@ private:
     QtMainThread m_mainThread;
     QtScheduler m_scheduler;
     JsonFilePreferences m_preferences;
+    AlertSound m_alertSound;
     SessionNotificationCenter m_notifications;
     IcuTextServices m_text;
 };
