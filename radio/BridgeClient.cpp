@@ -56,7 +56,7 @@ void BridgeClient::sendText(std::string text, std::optional<std::uint32_t> recip
     message.text = std::move(text);
     message.recipient = recipient;
     message.channel = channel;
-    request(std::move(message), requestTimeout, [this, done = std::move(done)](auto answer) mutable {
+    request(message, requestTimeout, [this, done = std::move(done)](auto answer) mutable {
         std::expected<std::uint32_t, Error> result = std::unexpected(Error{invalidBridgeReply});
         if (!answer) {
             result = std::unexpected(std::move(answer.error()));
@@ -74,11 +74,11 @@ void BridgeClient::requestRadioSettings(Completion<void> done) {
 void BridgeClient::applyRadioSettings(const MeshtasticRadioSettings& settings, Completion<void> done) {
     auto message = newRequest(MeshtasticBridgeCommand::applyRadioSettings);
     message.settings = settings;
-    requestAcknowledgement(std::move(message), std::move(done));
+    requestAcknowledgement(message, std::move(done));
 }
 
-void BridgeClient::requestAcknowledgement(MeshtasticBridgeRequest message, Completion<void> done) {
-    request(std::move(message), requestTimeout, [this, done = std::move(done)](auto answer) mutable {
+void BridgeClient::requestAcknowledgement(const MeshtasticBridgeRequest& message, Completion<void> done) {
+    request(message, requestTimeout, [this, done = std::move(done)](auto answer) mutable {
         std::expected<void, Error> result;
         if (!answer)
             result = std::unexpected(std::move(answer.error()));
@@ -97,13 +97,17 @@ void BridgeClient::supersedeAttempt() {
 /// Asks the running bridge to let its radio go, and stops it once it has answered or two seconds are over.
 /// Callers that come while this goes on wait for the same end.
 void BridgeClient::endInstance() {
-    if (!m_instance)
-        return proceed();
+    if (!m_instance) {
+        proceed();
+        return;
+    }
     if (m_instance->endBy)
         return;
     m_instance->endBy = m_clock.now() + disconnectTimeout;
-    if (m_instance->unreadAfterExit)
-        return stopInstance({cancelled});
+    if (m_instance->unreadAfterExit) {
+        stopInstance({cancelled});
+        return;
+    }
     request(newRequest(MeshtasticBridgeCommand::disconnect), disconnectTimeout,
             [this](const auto&) { stopInstance({cancelled}); });
 }
@@ -123,14 +127,16 @@ void BridgeClient::startAttempt() {
     const auto number = m_attempt->number;
     const auto port = m_attempt->port;
     if (!port || port->empty() || !m_host.exists(*port)) {
-        return finishAttempt(number, std::unexpected(Error{noRadio}));
+        finishAttempt(number, std::unexpected(Error{noRadio}));
+        return;
     }
     if (auto launched = launch(m_attempt->listener); !launched) {
-        return finishAttempt(number, std::unexpected(std::move(launched.error())));
+        finishAttempt(number, std::unexpected(std::move(launched.error())));
+        return;
     }
     auto message = newRequest(MeshtasticBridgeCommand::connect);
     message.port = port;
-    request(std::move(message), connectTimeout,
+    request(message, connectTimeout,
             [this, number](auto answer) { finishAttempt(number, std::move(answer)); });
 }
 
@@ -167,19 +173,24 @@ void BridgeClient::finishAttempt(std::uint64_t number,
     queue([kept = std::move(attempt.listener)] {});
 }
 
-void BridgeClient::request(MeshtasticBridgeRequest message, std::chrono::milliseconds timeout,
+void BridgeClient::request(const MeshtasticBridgeRequest& message, std::chrono::milliseconds timeout,
                            PendingRequests::Slot slot) {
     const auto instance = m_instance;
-    if (!instance || instance->unreadAfterExit)
-        return slot(std::unexpected(Error{bridgeStopped}));
-    auto line = encodeLine(message);
-    if (!line)
-        return slot(std::unexpected(Error{Error::Kind::system, std::move(line.error())}));
-    if (!instance->writes.add(message.requestID, std::move(*line))) {
-        return slot(
-            std::unexpected(Error::couldNot("reached", std::make_error_code(std::errc::no_buffer_space))));
+    if (!instance || instance->unreadAfterExit) {
+        slot(std::unexpected(Error{bridgeStopped}));
+        return;
     }
-    m_pending.add(message.requestID, m_clock.now() + timeout, std::move(slot));
+    auto line = encodeLine(message);
+    if (!line) {
+        slot(std::unexpected(Error{Error::Kind::system, std::move(line.error())}));
+        return;
+    }
+    if (!instance->writes.add(message.requestID, std::move(*line))) {
+        slot(std::unexpected(Error::couldNot("reached", std::make_error_code(std::errc::no_buffer_space))));
+        return;
+    }
+    // Of a pause that has begun already nothing counts, also not what lies before the request.
+    m_pending.add(message.requestID, m_pausedSince.value_or(m_clock.now()) + timeout, std::move(slot));
     write(*instance);
 }
 

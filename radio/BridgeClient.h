@@ -68,9 +68,9 @@ private:
     void startAttempt();
     [[nodiscard]] std::expected<void, MeshRadioError> launch(const ListenerPointer& listener);
     void finishAttempt(std::uint64_t number, std::expected<MeshtasticBridgeResponse, MeshRadioError> answer);
-    void request(MeshtasticBridgeRequest request, std::chrono::milliseconds timeout,
+    void request(const MeshtasticBridgeRequest& message, std::chrono::milliseconds timeout,
                  PendingRequests::Slot slot);
-    void requestAcknowledgement(MeshtasticBridgeRequest request, Completion<void> done);
+    void requestAcknowledgement(const MeshtasticBridgeRequest& message, Completion<void> done);
     void stopInstance(const MeshRadioError& error);
     template <class T>
     void complete(Completion<T> done, std::expected<T, MeshRadioError> result);
@@ -81,7 +81,6 @@ private:
     void readErrors(BridgeInstance& instance);
     [[nodiscard]] bool handleLine(std::string_view line, const BridgeInstance& instance);
     void write(BridgeInstance& instance);
-    void noteExit(BridgeInstance& instance);
     void expireRequests(PollClock::TimePoint now);
     void notePause();
     [[nodiscard]] bool isCurrent(const BridgeInstance& instance) const {

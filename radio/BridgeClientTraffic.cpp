@@ -13,6 +13,15 @@ bool willWork(int error) {
     return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
 }
 
+/// An exit counts once what the bridge wrote before it has been read: the system knows how much that is.
+void noteExit(BridgeInstance& instance) {
+    if (!instance.child.hasExited())
+        return;
+    int unread = 0;
+    ::ioctl(instance.child.output.get(), FIONREAD, &unread);
+    instance.unreadAfterExit = static_cast<std::size_t>(unread);
+}
+
 } // namespace
 
 void BridgeClient::addPollEntries(std::vector<pollfd>& entries) const {
@@ -91,16 +100,20 @@ void BridgeClient::afterPoll(std::span<const pollfd> polled) {
 void BridgeClient::readOutput(BridgeInstance& instance) {
     const MeshRadioError stopped{MeshRadioError::Kind::bridgeStopped};
     auto& unread = instance.unreadAfterExit;
-    if (unread == 0)
-        return stopInstance(stopped);
+    if (unread == 0) {
+        stopInstance(stopped);
+        return;
+    }
 
     const auto wanted = unread ? std::min(*unread, m_buffer.size()) : m_buffer.size();
     const auto count = ::read(instance.child.output.get(), m_buffer.data(), wanted);
     if (count < 0 && willWork(errno) && !unread)
         return;
     // A bridge that lives on without its output would be a watch that is blind and looks healthy.
-    if (count <= 0)
-        return stopInstance(stopped);
+    if (count <= 0) {
+        stopInstance(stopped);
+        return;
+    }
 
     const auto length = static_cast<std::size_t>(count);
     if (unread)
@@ -154,14 +167,6 @@ void BridgeClient::write(BridgeInstance& instance) {
             continue;
         m_pending.fail(failure->request, MeshRadioError::couldNot("reached", failure->error));
     }
-}
-
-void BridgeClient::noteExit(BridgeInstance& instance) {
-    if (!instance.child.hasExited())
-        return;
-    int unread = 0;
-    ::ioctl(instance.child.output.get(), FIONREAD, &unread);
-    instance.unreadAfterExit = static_cast<std::size_t>(unread);
 }
 
 void BridgeClient::expireRequests(PollClock::TimePoint now) {

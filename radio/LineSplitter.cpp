@@ -10,8 +10,10 @@ void LineSplitter::feed(std::string_view bytes, const LineHandler& handle) {
     // Only new bytes are searched, so a long line costs the same per byte as a short one.
     while (!bytes.empty()) {
         const auto end = bytes.find('\n');
-        if (end == std::string_view::npos)
-            return keep(bytes);
+        if (end == std::string_view::npos) {
+            keep(bytes);
+            return;
+        }
         const auto piece = bytes.substr(0, end);
         bytes.remove_prefix(end + 1);
         if (!finish(piece, handle))

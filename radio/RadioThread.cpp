@@ -59,7 +59,7 @@ void RadioThread::run(const std::stop_token& stop) {
             for (auto& entry : entries)
                 entry.revents = 0;
         }
-        if (entries.front().revents)
+        if (entries.front().revents != 0)
             m_wake->clear();
         m_client.afterPoll(std::span(entries).subspan(1));
         m_client.deliver();
