@@ -12,6 +12,7 @@
 #include <QCoreApplication>
 
 #include <csignal>
+#include <cstdlib>
 #include <iostream>
 #include <optional>
 #include <string_view>
@@ -102,5 +103,9 @@ int main(int argc, char** argv) {
         std::cerr << "This build has no window yet; going on as with --headless." << std::endl;
     }
     const QCoreApplication application(argc, argv);
-    return commandLine->demo ? runDemo(*commandLine) : runReal(*commandLine);
+    const int status = commandLine->demo ? runDemo(*commandLine) : runReal(*commandLine);
+    // Everything is on the disk. A bus that hangs would hold up the end of the libraries that wait for it.
+    if (SessionNotificationCenter::hasLeftThreadBehind())
+        std::_Exit(status);
+    return status;
 }

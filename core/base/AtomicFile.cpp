@@ -75,7 +75,9 @@ std::expected<TemporaryFile, int> openTemporary(const std::filesystem::path& pat
             error = errno;
             continue;
         }
-        if (::flock(fd.get(), LOCK_EX | LOCK_NB) != 0 || !isStillNamed(fd.get(), name))
+        // A file system without locks (some network ones) must not keep anything from being saved.
+        const bool isInUse = ::flock(fd.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+        if (isInUse || !isStillNamed(fd.get(), name))
             continue;
         if (::ftruncate(fd.get(), 0) == 0)
             return TemporaryFile{std::move(name), std::move(fd)};

@@ -191,7 +191,8 @@ void FreedesktopNotificationCenter::daemonChanged(std::optional<QString> owner) 
 
 void FreedesktopNotificationCenter::notificationClosed(const QDBusMessage& signal) {
     const auto number = signal.arguments().value(0).toUInt();
-    if (number == 0 || !isFromCurrentDaemon(signal))
+    // Anyone can send this signal; who the daemon is, only its answers tell.
+    if (number == 0 || m_owner != signal.service())
         return;
     const auto found =
         std::ranges::find(m_posted, number, [](const auto& item) { return item.second.number; });

@@ -3,6 +3,7 @@
 #include "platform/linux/SessionNotificationCenter.h"
 
 #include <atomic>
+#include <chrono>
 #include <system_error>
 #include <utility>
 
@@ -10,6 +11,8 @@ namespace nightjar {
 namespace {
 
 constexpr std::size_t maximumWaiting = 1'000;
+constexpr std::chrono::seconds patienceAtEnd{1};
+std::atomic<bool> leftThreadBehind = false;
 
 } // namespace
 
@@ -18,7 +21,26 @@ SessionNotificationCenter::SessionNotificationCenter(MainThread& mainThread, Ope
     : m_mainThread(mainThread), m_openBus(std::move(openBus)), m_settings(std::move(settings)) {}
 
 SessionNotificationCenter::~SessionNotificationCenter() {
+    giveUpOpening();
     close();
+}
+
+bool SessionNotificationCenter::hasLeftThreadBehind() {
+    return leftThreadBehind;
+}
+
+void SessionNotificationCenter::giveUpOpening() {
+    if (!m_opener.joinable())
+        return;
+    std::unique_lock lock(m_openingState->mutex);
+    const bool ended =
+        m_openingState->ended.wait_for(lock, patienceAtEnd, [this] { return m_openingState->hasEnded; });
+    m_openingState->isGivenUp = true;
+    lock.unlock();
+    if (ended)
+        return m_opener.join();
+    leftThreadBehind = true;
+    m_opener.detach();
 }
 
 QDBusConnection SessionNotificationCenter::openSessionBus() {
@@ -54,15 +76,24 @@ void SessionNotificationCenter::use(Job job, Importance importance) {
 void SessionNotificationCenter::open() {
     close();
     m_opening = true;
-    auto work = [this, openBus = m_openBus, &mainThread = m_mainThread, alive = std::weak_ptr(m_alive)] {
+    if (m_opener.joinable())
+        m_opener.join();
+    m_openingState = std::make_shared<Opening>();
+    auto work = [this, openBus = m_openBus, &mainThread = m_mainThread, alive = std::weak_ptr(m_alive),
+                 state = m_openingState] {
         auto bus = openBus();
+        const std::scoped_lock lock(state->mutex);
+        state->hasEnded = true;
+        state->ended.notify_all();
+        if (state->isGivenUp)
+            return;
         mainThread.post([this, alive, bus] {
             if (!alive.expired())
                 opened(bus);
         });
     };
     try {
-        m_opener = std::jthread(std::move(work));
+        m_opener = std::thread(std::move(work));
     } catch (const std::system_error&) {
         opened(QDBusConnection(QString()));
     }

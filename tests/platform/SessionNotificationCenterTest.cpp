@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <future>
 
 namespace nightjar {
@@ -112,6 +113,24 @@ TEST_F(SessionNotificationCenterTest, mayGoWhileTheBusIsBeingOpened) {
     mainThread.post([&] { later = true; });
 
     EXPECT_TRUE(runEventsUntil([&] { return later; })) << "what was posted to the dead object did nothing";
+}
+
+TEST_F(SessionNotificationCenterTest, aBusThatNeverAnswersDoesNotHoldUpTheEnd) {
+    std::promise<void> release;
+    const auto start = std::chrono::steady_clock::now();
+    {
+        SessionNotificationCenter center(
+            mainThread,
+            [released = release.get_future().share()] {
+                released.wait();
+                return QDBusConnection(QStringLiteral("no such bus"));
+            },
+            NotificationSettings());
+        center.post(named("first"));
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    EXPECT_TRUE(SessionNotificationCenter::hasLeftThreadBehind());
+    release.set_value();
 }
 
 } // namespace
