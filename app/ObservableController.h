@@ -26,8 +26,11 @@ template <auto Changed, class Controller>
 [[nodiscard]] Announcer announcerOf(Controller& controller) {
     return {.controller = &controller,
             .aboutToChange = [](void* self) { Q_EMIT static_cast<Controller*>(self)->aboutToChange(); },
-            .changed = [](void* self) { Q_EMIT(static_cast<Controller*>(self)->*Changed)
-                                        (); }};
+            .changed =
+                [](void* self) {
+                    Q_EMIT(static_cast<Controller*>(self)->*Changed)
+                    ();
+                }};
 }
 
 } // namespace nightjar

@@ -10,8 +10,8 @@ namespace nightjar {
 class MainThread {
 public:
     virtual ~MainThread() = default;
-    /// Any thread. Jobs run on the main thread in the order in which they were posted, later, never inside this call.
-    /// Jobs that are still waiting when the object goes are destroyed without being run.
+    /// Any thread. Jobs run on the main thread in the order in which they were posted, later, never inside
+    /// this call. Jobs that are still waiting when the object goes are destroyed without being run.
     virtual void post(std::move_only_function<void()> job) = 0;
 };
 

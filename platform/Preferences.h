@@ -11,8 +11,8 @@
 
 namespace nightjar {
 
-/// The user's settings by key, kept across restarts. Main thread. A value of another type than asked for reads as
-/// missing and is left in place.
+/// The user's settings by key, kept across restarts. Main thread. A value of another type than asked for
+/// reads as missing and is left in place.
 class Preferences {
 public:
     using Dictionary = std::map<std::string, std::string>;

@@ -22,8 +22,8 @@ private:
     std::shared_ptr<void> m_armed;
 };
 
-/// Time on the main thread: the date, and timers on a monotonic clock. Callbacks run on the main thread, never inside
-/// the call that armed them.
+/// Time on the main thread: the date, and timers on a monotonic clock. Callbacks run on the main thread,
+/// never inside the call that armed them.
 class Scheduler {
 public:
     virtual ~Scheduler() = default;

@@ -11,8 +11,8 @@ namespace nightjar {
 class TextServices {
 public:
     virtual ~TextServices() = default;
-    /// Bytes whose plain order is the order in which a file browser lists names: letter case and accents matter only
-    /// between otherwise equal names, runs of digits count by their value.
+    /// Bytes whose plain order is the order in which a file browser lists names: letter case and accents
+    /// matter only between otherwise equal names, runs of digits count by their value.
     [[nodiscard]] virtual std::string collationKey(std::string_view text) const = 0;
 };
 
