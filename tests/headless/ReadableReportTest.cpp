@@ -102,18 +102,19 @@ TEST_F(ReadableReportTest, whatRadiosSayCannotControlTheTerminal) {
     }
 }
 
-TEST_F(ReadableReportTest, aFloodIsBoundedButNoAlertIsLeftOut) {
+TEST_F(ReadableReportTest, aFloodOfNodesIsBoundedButNoAlertAndNoMessageIsLeftOut) {
     startConnected();
     report();
     output.lines.clear();
-    for (std::uint32_t i = 0; i < 1000; ++i) {
+    constexpr std::uint32_t count = 1000;
+    for (std::uint32_t i = 0; i < count; ++i) {
         hear(received("spam", 100 + i, 42));
         hear(node(1000 + i).named("n"));
     }
     reporting().tell({.identifier = "guarded-device-moved-1", .title = "Bicycle moved", .body = "far"});
     reporting().tell({.identifier = "message-1", .title = "Fox", .body = "is printed as a message"});
     QCoreApplication::processEvents();
-    EXPECT_THAT(output.lines, SizeIs(1 + ReadableReport::linesPerSecond - 3));
+    EXPECT_THAT(output.lines, SizeIs(1 + count + ReadableReport::linesPerSecond - 3));
     EXPECT_THAT(output.take(), Contains(HasSubstr("ALERT Bicycle moved: far")));
 
     scheduler.advance(std::chrono::seconds(1));
