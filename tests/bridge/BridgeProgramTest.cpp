@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: Nightjar contributors
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/bridge/RunningBridge.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -15,8 +16,8 @@ namespace {
 
 using Command = MeshtasticBridgeCommand;
 using Event = MeshtasticBridgeEvent;
-using testing::HasSubstr;
-using testing::StartsWith;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
 MeshtasticBridgeRequest request(Command command) {
     return {.requestID = {},
@@ -72,7 +73,8 @@ TEST(BridgeProgram, holdsAWholeConversation) {
 }
 
 TEST(BridgeProgram, saysWhyAPortIsNone) {
-    const std::string folder = testing::TempDir();
+    const nightjar::testing::TemporaryFolder temporary;
+    const std::string folder = temporary.path().string();
     std::ofstream(folder + "/broken.json") << "{";
     std::ofstream(folder + "/wrong.json")
         << R"({"scenario": 1, "radio": {"node": {"number": 1}}, "nods": []})";
