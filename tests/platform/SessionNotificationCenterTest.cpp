@@ -26,6 +26,14 @@ protected:
         return std::make_unique<FakeNotificationDaemon>(bus.connect(), QStringList{QStringLiteral("body")});
     }
 
+    /// Opens no bus, and that only once it is released.
+    SessionNotificationCenter::OpenBus busThatWaitsFor(std::promise<void>& release) {
+        return [released = release.get_future().share()] {
+            released.wait();
+            return QDBusConnection(QStringLiteral("no such bus"));
+        };
+    }
+
     QtMainThread mainThread;
 };
 
@@ -99,13 +107,7 @@ TEST_F(SessionNotificationCenterTest, withoutBusPostsAreDroppedAndEachUseTriesAg
 TEST_F(SessionNotificationCenterTest, mayGoWhileTheBusIsBeingOpened) {
     std::promise<void> release;
     {
-        SessionNotificationCenter center(
-            mainThread,
-            [released = release.get_future().share()] {
-                released.wait();
-                return QDBusConnection(QStringLiteral("no such bus"));
-            },
-            NotificationSettings());
+        SessionNotificationCenter center(mainThread, busThatWaitsFor(release), NotificationSettings());
         center.post(named("first"));
         release.set_value();
     }
@@ -119,13 +121,7 @@ TEST_F(SessionNotificationCenterTest, aBusThatNeverAnswersDoesNotHoldUpTheEnd) {
     std::promise<void> release;
     const auto start = std::chrono::steady_clock::now();
     {
-        SessionNotificationCenter center(
-            mainThread,
-            [released = release.get_future().share()] {
-                released.wait();
-                return QDBusConnection(QStringLiteral("no such bus"));
-            },
-            NotificationSettings());
+        SessionNotificationCenter center(mainThread, busThatWaitsFor(release), NotificationSettings());
         center.post(named("first"));
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
