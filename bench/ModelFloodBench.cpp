@@ -10,9 +10,14 @@
 #include "bench/RadioBench.h"
 #include "platform/linux/IcuTextServices.h"
 #include "platform/linux/LinuxHostEnvironment.h"
+#include "platform/simulated/FakeBluetoothCentral.h"
+#include "platform/simulated/FakeLocationSource.h"
+#include "platform/simulated/FakeMessageTransport.h"
 #include "platform/simulated/FakeNotificationCenter.h"
 #include "platform/simulated/FakePreferences.h"
 #include "platform/simulated/FakeScheduler.h"
+#include "platform/simulated/FakeSystemSound.h"
+#include "platform/simulated/FakeWakeMonitor.h"
 
 #include <QCoreApplication>
 
@@ -33,12 +38,22 @@ struct ModelBench {
     FakePreferences preferences;
     FakeNotificationCenter notifications;
     IcuTextServices text{IcuTextServices::systemLocale(LinuxHostEnvironment())};
+    FakeBluetoothCentral bluetooth;
+    FakeLocationSource location;
+    FakeSystemSound sound;
+    FakeWakeMonitor wake;
+    FakeMessageTransport messages;
     NightjarModel model{{.host = rig.host,
                          .mainThread = rig.mainThread,
                          .scheduler = scheduler,
                          .preferences = preferences,
                          .notifications = notifications,
-                         .text = text},
+                         .text = text,
+                         .bluetooth = bluetooth,
+                         .location = location,
+                         .sound = sound,
+                         .wake = wake,
+                         .messages = messages},
                         std::make_unique<MeshRadio>(rig.host, rig.mainThread, rig.clock)};
 };
 

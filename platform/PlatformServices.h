@@ -2,12 +2,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "platform/BluetoothCentral.h"
 #include "platform/HostEnvironment.h"
+#include "platform/LocationSource.h"
 #include "platform/MainThread.h"
+#include "platform/MessageTransport.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Preferences.h"
 #include "platform/Scheduler.h"
+#include "platform/SystemSound.h"
 #include "platform/TextServices.h"
+#include "platform/WakeMonitor.h"
 
 namespace nightjar {
 
@@ -19,6 +24,11 @@ struct PlatformServices {
     Preferences& preferences;
     NotificationCenter& notifications;
     TextServices& text;
+    BluetoothCentral& bluetooth;
+    LocationSource& location;
+    SystemSound& sound;
+    WakeMonitor& wake;
+    MessageTransport& messages;
 };
 
 } // namespace nightjar

@@ -10,6 +10,10 @@
 
 namespace nightjar {
 
+/// Time that no setting of the clock moves and that stands still while the computer sleeps; since some
+/// instant of this run.
+using SteadyTime = std::chrono::steady_clock::time_point;
+
 /// Keeps a timer alive; destroying or cancelling it disarms the timer, also from within its own callback.
 class Timer {
 public:
@@ -22,12 +26,13 @@ private:
     std::shared_ptr<void> m_armed;
 };
 
-/// Time on the main thread: the date, and timers on a monotonic clock. Callbacks run on the main thread,
-/// never inside the call that armed them.
+/// Time on the main thread: the date, monotonic time, and timers on the latter. Callbacks run on the main
+/// thread, never inside the call that armed them.
 class Scheduler {
 public:
     virtual ~Scheduler() = default;
     [[nodiscard]] virtual Date now() const = 0;
+    [[nodiscard]] virtual SteadyTime steadyNow() const = 0;
     [[nodiscard]] virtual Timer after(std::chrono::milliseconds delay, std::function<void()> callback) = 0;
     [[nodiscard]] virtual Timer every(std::chrono::milliseconds period, std::function<void()> callback) = 0;
 };

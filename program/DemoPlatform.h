@@ -7,6 +7,11 @@
 #include "platform/linux/JsonFilePreferences.h"
 #include "platform/linux/QtMainThread.h"
 #include "platform/linux/QtScheduler.h"
+#include "platform/simulated/FakeBluetoothCentral.h"
+#include "platform/simulated/FakeLocationSource.h"
+#include "platform/simulated/FakeMessageTransport.h"
+#include "platform/simulated/FakeSystemSound.h"
+#include "platform/simulated/FakeWakeMonitor.h"
 #include "program/DemoProfile.h"
 
 namespace nightjar {
@@ -32,6 +37,11 @@ private:
     JsonFilePreferences m_preferences{std::nullopt, m_scheduler};
     Silence m_notifications;
     IcuTextServices m_text{std::string()};
+    FakeBluetoothCentral m_bluetooth;
+    FakeLocationSource m_location;
+    FakeSystemSound m_sound;
+    FakeWakeMonitor m_wake;
+    FakeMessageTransport m_messages;
 };
 
 } // namespace nightjar

@@ -28,7 +28,12 @@ PlatformServices with(NotificationCenter& notifications, const PlatformServices&
             .scheduler = platform.scheduler,
             .preferences = platform.preferences,
             .notifications = notifications,
-            .text = platform.text};
+            .text = platform.text,
+            .bluetooth = platform.bluetooth,
+            .location = platform.location,
+            .sound = platform.sound,
+            .wake = platform.wake,
+            .messages = platform.messages};
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/linux/IcuTextServices.h"
 
+#include <QDateTime>
+#include <QLocale>
 #include <QString>
 
 #include <unicode/ucol.h>
@@ -57,6 +59,15 @@ std::string IcuTextServices::collationKey(std::string_view text) const {
     std::string key =
         rules ? sortKey(rules, QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()))) : "";
     return key.append(text);
+}
+
+std::string IcuTextServices::shortTimeOfDay(Date date) const {
+    const auto time = QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(unixSeconds(date) * 1000)).time();
+    const auto locale = QLocale::system();
+    // The short form of the C locale has seconds.
+    const auto text = locale.language() == QLocale::C ? time.toString(QStringLiteral("HH:mm"))
+                                                      : locale.toString(time, QLocale::ShortFormat);
+    return text.toStdString();
 }
 
 std::string IcuTextServices::systemLocale(const HostEnvironment& host) {

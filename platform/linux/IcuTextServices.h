@@ -11,7 +11,8 @@ struct UCollator;
 
 namespace nightjar {
 
-/// Text by the rules of the International Components for Unicode.
+/// Names by the rules of the International Components for Unicode, times of day by those of the system's
+/// locale.
 class IcuTextServices final : public TextServices {
 public:
     /// `locale` is an ICU locale name such as "de_DE"; empty = the order that suits all languages. The rules
@@ -22,6 +23,7 @@ public:
     /// Texts that differ have different keys; those that the language ranks as equal go by their code points.
     /// About 1 us.
     [[nodiscard]] std::string collationKey(std::string_view text) const override;
+    [[nodiscard]] std::string shortTimeOfDay(Date date) const override;
 
     /// The locale that the user's environment sets for sorting; empty for "C" and "POSIX".
     [[nodiscard]] static std::string systemLocale(const HostEnvironment& host);

@@ -29,7 +29,12 @@ PlatformServices LinuxPlatform::services() {
             .scheduler = m_scheduler,
             .preferences = m_preferences,
             .notifications = m_notifications,
-            .text = m_text};
+            .text = m_text,
+            .bluetooth = m_bluetooth,
+            .location = m_location,
+            .sound = m_sound,
+            .wake = m_wake,
+            .messages = m_messages};
 }
 
 } // namespace nightjar

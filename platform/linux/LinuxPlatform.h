@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/PlatformServices.h"
+#include "platform/linux/AbsentServices.h"
 #include "platform/linux/AlertSound.h"
 #include "platform/linux/IcuTextServices.h"
 #include "platform/linux/JsonFilePreferences.h"
@@ -31,6 +32,11 @@ private:
     AlertSound m_alertSound;
     SessionNotificationCenter m_notifications;
     IcuTextServices m_text;
+    AbsentBluetooth m_bluetooth;
+    AbsentLocation m_location;
+    AbsentSound m_sound;
+    AbsentWake m_wake;
+    AbsentMessages m_messages;
 };
 
 } // namespace nightjar

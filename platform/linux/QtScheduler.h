@@ -14,6 +14,7 @@ public:
     ~QtScheduler() override;
 
     [[nodiscard]] Date now() const override;
+    [[nodiscard]] SteadyTime steadyNow() const override { return std::chrono::steady_clock::now(); }
     [[nodiscard]] Timer after(std::chrono::milliseconds delay, std::function<void()> callback) override;
     [[nodiscard]] Timer every(std::chrono::milliseconds period, std::function<void()> callback) override;
 

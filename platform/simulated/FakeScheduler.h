@@ -16,6 +16,7 @@ public:
     explicit FakeScheduler(Date start = dateFromUnixSeconds(1'746'100'800));
 
     [[nodiscard]] Date now() const override { return m_now; }
+    [[nodiscard]] SteadyTime steadyNow() const override { return SteadyTime(m_elapsed); }
     [[nodiscard]] Timer after(std::chrono::milliseconds delay, std::function<void()> callback) override;
     [[nodiscard]] Timer every(std::chrono::milliseconds period, std::function<void()> callback) override;
 

@@ -46,4 +46,9 @@ std::string FakeTextServices::collationKey(std::string_view text) const {
     return key.append(text);
 }
 
+std::string FakeTextServices::shortTimeOfDay(Date date) const {
+    // "2025-05-01T12:34:56Z"
+    return iso8601Text(date).value_or(std::string(iso8601Length, '-')).substr(11, 5);
+}
+
 } // namespace nightjar

@@ -3,10 +3,15 @@
 #pragma once
 
 #include "app/mesh/NightjarModel.h"
+#include "platform/simulated/FakeBluetoothCentral.h"
+#include "platform/simulated/FakeLocationSource.h"
+#include "platform/simulated/FakeMessageTransport.h"
 #include "platform/simulated/FakeNotificationCenter.h"
 #include "platform/simulated/FakePreferences.h"
 #include "platform/simulated/FakeScheduler.h"
+#include "platform/simulated/FakeSystemSound.h"
 #include "platform/simulated/FakeTextServices.h"
+#include "platform/simulated/FakeWakeMonitor.h"
 #include "platform/simulated/ManualMainThread.h"
 #include "platform/simulated/SimulatedHostEnvironment.h"
 #include "tests/support/Builders.h"
@@ -37,14 +42,22 @@ public:
         model.reset();
         auto link = std::make_unique<FakeRadioLink>();
         radio = link.get();
-        model = std::make_unique<NightjarModel>(PlatformServices{.host = host,
-                                                                 .mainThread = mainThread,
-                                                                 .scheduler = scheduler,
-                                                                 .preferences = preferences,
-                                                                 .notifications = notifications,
-                                                                 .text = text},
-                                                std::move(link));
+        model = std::make_unique<NightjarModel>(services(), std::move(link));
         return *model;
+    }
+
+    [[nodiscard]] PlatformServices services() {
+        return {.host = host,
+                .mainThread = mainThread,
+                .scheduler = scheduler,
+                .preferences = preferences,
+                .notifications = notifications,
+                .text = text,
+                .bluetooth = bluetooth,
+                .location = location,
+                .sound = sound,
+                .wake = wake,
+                .messages = messages};
     }
 
     /// Makes the model and waits until its start is over.
@@ -81,6 +94,11 @@ public:
     FakePreferences preferences;
     FakeNotificationCenter notifications;
     FakeTextServices text;
+    FakeBluetoothCentral bluetooth;
+    FakeLocationSource location;
+    FakeSystemSound sound;
+    FakeWakeMonitor wake;
+    FakeMessageTransport messages;
     FakeRadioLink* radio = nullptr; ///< the model's own
     std::unique_ptr<NightjarModel> model;
 };
