@@ -114,7 +114,7 @@ TEST_F(ReadableReportTest, aFloodOfNodesIsBoundedButNoAlertAndNoMessageIsLeftOut
     reporting().tell({.identifier = "guarded-device-moved-1", .title = "Bicycle moved", .body = "far"});
     reporting().tell({.identifier = "message-1", .title = "Fox", .body = "is printed as a message"});
     QCoreApplication::processEvents();
-    EXPECT_THAT(output.lines, SizeIs(1 + count + ReadableReport::linesPerSecond - 3));
+    EXPECT_THAT(output.lines, SizeIs(1 + count + ReadableLines::linesPerSecond - 3));
     EXPECT_THAT(output.take(), Contains(HasSubstr("ALERT Bicycle moved: far")));
 
     scheduler.advance(std::chrono::seconds(1));
