@@ -20,7 +20,9 @@ NotificationSettings withSound(AlertSound& sound) {
 
 LinuxPlatform::LinuxPlatform()
     : m_preferences(preferencesFile(m_host), m_scheduler),
-      m_notifications(m_mainThread, SessionNotificationCenter::openSessionBus, withSound(m_alertSound)),
+      m_systemBus(m_mainThread, m_scheduler, BusConnector::openSystemBus),
+      m_sessionBus(m_mainThread, m_scheduler, BusConnector::openSessionBus),
+      m_notifications(m_sessionBus, withSound(m_alertSound)),
       m_text(IcuTextServices::systemLocale(m_host)) {}
 
 PlatformServices LinuxPlatform::services() {

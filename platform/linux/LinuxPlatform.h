@@ -5,6 +5,7 @@
 #include "platform/PlatformServices.h"
 #include "platform/linux/AbsentServices.h"
 #include "platform/linux/AlertSound.h"
+#include "platform/linux/BusConnector.h"
 #include "platform/linux/IcuTextServices.h"
 #include "platform/linux/JsonFilePreferences.h"
 #include "platform/linux/LinuxHostEnvironment.h"
@@ -15,7 +16,7 @@
 namespace nightjar {
 
 /// The real computer. Made on the main thread after the QCoreApplication, destroyed before it. Nothing slow
-/// happens in the constructor: the bus is opened and the collation rules are loaded at their first use.
+/// happens in the constructor: the buses are opened and the collation rules are loaded at their first use.
 class LinuxPlatform {
 public:
     LinuxPlatform();
@@ -30,6 +31,8 @@ private:
     QtScheduler m_scheduler;
     JsonFilePreferences m_preferences;
     AlertSound m_alertSound;
+    BusConnector m_systemBus;
+    BusConnector m_sessionBus;
     SessionNotificationCenter m_notifications;
     IcuTextServices m_text;
     AbsentBluetooth m_bluetooth;

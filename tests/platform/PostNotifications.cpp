@@ -3,8 +3,8 @@
 
 // Posts one notification of each kind to the session's desktop, or only the one whose number is given, for
 // looking at: see real-daemons.sh.
+#include "platform/linux/BusConnector.h"
 #include "platform/linux/FreedesktopNotificationCenter.h"
-#include "platform/linux/SessionNotificationCenter.h"
 #include "tests/support/EventLoop.h"
 
 #include <QCoreApplication>
@@ -41,7 +41,7 @@ const std::vector<Notification> notifications = {
 
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
-    FreedesktopNotificationCenter center(SessionNotificationCenter::openSessionBus(), NotificationSettings());
+    FreedesktopNotificationCenter center(BusConnector::openSessionBus(), NotificationSettings());
     if (!center.isConnected()) {
         std::fputs("There is no session bus.\n", stderr);
         return 1;

@@ -1,0 +1,141 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/linux/BusConnector.h"
+
+#include <QString>
+
+#include <algorithm>
+#include <atomic>
+#include <system_error>
+#include <utility>
+
+namespace nightjar {
+namespace {
+
+constexpr std::chrono::seconds patienceAtEnd{1};
+std::atomic<bool> leftThreadBehind = false;
+
+QDBusConnection noBus() {
+    return QDBusConnection(QString());
+}
+
+/// A name is bound to its first connection even when that is dead, so each one gets a new name. The address
+/// is looked up here because the library below remembers the first one for as long as the process runs.
+QDBusConnection openBus(QDBusConnection::BusType type, const char* addressVariable) {
+    static std::atomic<int> opened = 0;
+    const auto name = QStringLiteral("nightjar-%1").arg(++opened);
+    const auto address = qEnvironmentVariable(addressVariable);
+    return address.isEmpty() ? QDBusConnection::connectToBus(type, name)
+                             : QDBusConnection::connectToBus(address, name);
+}
+
+} // namespace
+
+BusConnector::BusConnector(MainThread& mainThread, Scheduler& scheduler, OpenBus openBus)
+    : m_mainThread(mainThread), m_scheduler(scheduler), m_openBus(std::move(openBus)), m_bus(noBus()) {}
+
+BusConnector::~BusConnector() {
+    giveUpOpening();
+    close();
+}
+
+bool BusConnector::hasLeftThreadBehind() {
+    return leftThreadBehind;
+}
+
+void BusConnector::giveUpOpening() {
+    if (!m_opener.joinable())
+        return;
+    std::unique_lock lock(m_opening->mutex);
+    const bool ended = m_opening->ended.wait_for(lock, patienceAtEnd, [this] { return m_opening->hasEnded; });
+    m_opening->isGivenUp = true;
+    lock.unlock();
+    if (ended)
+        return m_opener.join();
+    leftThreadBehind = true;
+    m_opener.detach();
+}
+
+QDBusConnection BusConnector::openSystemBus() {
+    return openBus(QDBusConnection::SystemBus, "DBUS_SYSTEM_BUS_ADDRESS");
+}
+
+QDBusConnection BusConnector::openSessionBus() {
+    return openBus(QDBusConnection::SessionBus, "DBUS_SESSION_BUS_ADDRESS");
+}
+
+void BusConnector::open() {
+    if (!m_nextTry)
+        openNow();
+}
+
+void BusConnector::openNow() {
+    // A bus that was lost keeps its place until the loss has been told.
+    if (m_isOpening || !m_bus.name().isEmpty())
+        return;
+    m_nextTry.cancel();
+    startThread();
+}
+
+void BusConnector::startThread() {
+    m_isOpening = true;
+    if (m_opener.joinable())
+        m_opener.join();
+    m_opening = std::make_shared<Opening>();
+    auto end = [this, alive = std::weak_ptr(m_alive)](const QDBusConnection& bus) {
+        if (!alive.expired())
+            openingEnded(bus);
+    };
+    auto work = [openBus = m_openBus, &mainThread = m_mainThread, end, state = m_opening] {
+        auto bus = openBus();
+        const std::scoped_lock lock(state->mutex);
+        state->hasEnded = true;
+        state->ended.notify_all();
+        if (!state->isGivenUp)
+            mainThread.post([end, bus] { end(bus); });
+    };
+    try {
+        m_opener = std::thread(std::move(work));
+    } catch (const std::system_error&) {
+        m_mainThread.post([end] { end(noBus()); });
+    }
+}
+
+void BusConnector::openingEnded(const QDBusConnection& bus) {
+    m_isOpening = false;
+    m_bus = bus;
+    // Listening comes before the look at the connection, so that no loss falls between the two.
+    const bool listens = m_bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                                       QStringLiteral("org.freedesktop.DBus.Local"),
+                                       QStringLiteral("Disconnected"), this, SLOT(disconnected()));
+    if (!listens || !m_bus.isConnected()) {
+        close();
+        tryAgainLater();
+        Q_EMIT failed();
+        return;
+    }
+    m_retry = firstRetry;
+    Q_EMIT opened();
+}
+
+void BusConnector::disconnected() {
+    // The bus itself says nothing of the kind: only an end of the connection counts.
+    if (m_bus.name().isEmpty() || m_bus.isConnected())
+        return;
+    close();
+    tryAgainLater();
+    Q_EMIT lost();
+}
+
+void BusConnector::tryAgainLater() {
+    m_nextTry = m_scheduler.after(m_retry, [this] { openNow(); });
+    m_retry = std::min(m_retry * 2, lastRetry);
+}
+
+void BusConnector::close() {
+    const QString name = std::exchange(m_bus, noBus()).name();
+    if (!name.isEmpty())
+        QDBusConnection::disconnectFromBus(name);
+}
+
+} // namespace nightjar

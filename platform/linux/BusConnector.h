@@ -1,0 +1,88 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "platform/MainThread.h"
+#include "platform/Scheduler.h"
+
+#include <QDBusConnection>
+#include <QObject>
+
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace nightjar {
+
+/// Opens a message bus in the background and keeps it: opening waits for the bus, for ever when it takes the
+/// connection and says nothing. A bus that cannot be opened, or is lost later, is tried again by itself.
+/// Main thread; no signal is sent inside a call. The destructor waits a second for a bus that is being
+/// opened, then leaves its thread behind.
+class BusConnector final : public QObject {
+    Q_OBJECT
+public:
+    /// Returns a new connection each time; called on a thread of its own.
+    using OpenBus = std::function<QDBusConnection()>;
+
+    static constexpr std::chrono::milliseconds firstRetry = std::chrono::seconds(5);
+    static constexpr std::chrono::milliseconds lastRetry = std::chrono::minutes(5);
+
+    BusConnector(MainThread& mainThread, Scheduler& scheduler, OpenBus openBus);
+    ~BusConnector() override;
+
+    /// Begins to open the bus and to keep it; nothing when that has begun.
+    void open();
+    /// The same, but does not wait for the time of the next try.
+    void openNow();
+    [[nodiscard]] bool isConnected() const { return m_bus.isConnected(); }
+    /// Unconnected unless open.
+    [[nodiscard]] const QDBusConnection& bus() const { return m_bus; }
+
+    /// Whether a thread was left behind, which would keep the process from ending in the usual way.
+    [[nodiscard]] static bool hasLeftThreadBehind();
+
+    /// $DBUS_SYSTEM_BUS_ADDRESS as it is now, else the usual place.
+    [[nodiscard]] static QDBusConnection openSystemBus();
+    /// $DBUS_SESSION_BUS_ADDRESS as it is now, else the usual place.
+    [[nodiscard]] static QDBusConnection openSessionBus();
+
+Q_SIGNALS:
+    void opened();
+    /// A bus that was open has gone; what belonged to it is of no more use.
+    void lost();
+    /// A try to open the bus has failed.
+    void failed();
+
+private Q_SLOTS:
+    void disconnected();
+
+private:
+    /// What the opening thread shares with us; it may outlive us.
+    struct Opening {
+        std::mutex mutex;
+        std::condition_variable ended;
+        bool hasEnded = false;
+        bool isGivenUp = false;
+    };
+
+    void startThread();
+    void openingEnded(const QDBusConnection& bus);
+    void tryAgainLater();
+    void close();
+    void giveUpOpening();
+
+    MainThread& m_mainThread;
+    Scheduler& m_scheduler;
+    OpenBus m_openBus;
+    QDBusConnection m_bus;
+    bool m_isOpening = false;
+    std::chrono::milliseconds m_retry = firstRetry;
+    Timer m_nextTry;
+    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
+    std::shared_ptr<Opening> m_opening;
+    std::thread m_opener;
+};
+
+} // namespace nightjar
