@@ -3,7 +3,7 @@
 #pragma once
 
 #include "bridge/scenario/Scenario.h"
-#include "bridge/simulated/Random.h"
+#include "core/base/Random.h"
 
 #include <memory>
 

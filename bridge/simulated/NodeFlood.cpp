@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bridge/simulated/NodeFlood.h"
 
-#include "bridge/simulated/Random.h"
 #include "bridge/simulated/Terrain.h"
+#include "core/base/Random.h"
 #include "core/bridge/BridgeJson.h"
 
 #include <algorithm>

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace nightjar::bridge {
+namespace nightjar {
 
 /// A small reproducible source of numbers: the same seed and stream give the same sequence on every machine.
 class Random {
@@ -30,4 +30,4 @@ private:
     std::uint64_t m_state;
 };
 
-} // namespace nightjar::bridge
+} // namespace nightjar

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: Nightjar contributors
 // SPDX-License-Identifier: Apache-2.0
-#include "bridge/simulated/Random.h"
+#include "core/base/Random.h"
 
-namespace nightjar::bridge {
+namespace nightjar {
 namespace {
 
 constexpr std::uint64_t golden = 0x9E37'79B9'7F4A'7C15;
@@ -52,4 +52,4 @@ std::uint32_t Random::packetID() {
     return static_cast<std::uint32_t>(next() % 0xFFFF'FFFF) + 1;
 }
 
-} // namespace nightjar::bridge
+} // namespace nightjar
