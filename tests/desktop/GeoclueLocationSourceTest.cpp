@@ -12,6 +12,8 @@
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/desktop/ScriptedService.h"
 
+#include "platform/linux/BusCall.h"
+#include "tests/support/EventLoop.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -46,6 +49,19 @@ void ScriptedService::tell(const QString& path, const QString& interface, const 
     auto message = QDBusMessage::createSignal(path, interface, signal);
     message.setArguments(arguments);
     EXPECT_TRUE(m_bus.send(message));
+}
+
+bool ScriptedService::isHeardBy(const QDBusConnection& listener) const {
+    // An answer from the same sender overtakes nothing, not even when it is an error.
+    QObject context;
+    bool isAnswered = false;
+    callLater(listener, context,
+              {.service = m_bus.baseService(),
+               .path = QStringLiteral("/"),
+               .interface = QStringLiteral("org.example.Mark"),
+               .method = QStringLiteral("Mark")},
+              [&](const QDBusMessage&) { isAnswered = true; });
+    return runEventsUntil([&] { return isAnswered; });
 }
 
 std::vector<QDBusMessage> ScriptedService::calls(const std::string& method) const {

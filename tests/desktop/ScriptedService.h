@@ -36,6 +36,8 @@ public:
     void answer(const QDBusMessage& reply);
     void tell(const QString& path, const QString& interface, const QString& signal,
               const QVariantList& arguments);
+    /// Waits until the listener has been given everything that was told so far.
+    [[nodiscard]] bool isHeardBy(const QDBusConnection& listener) const;
 
     [[nodiscard]] std::vector<QDBusMessage> calls(const std::string& method) const;
     [[nodiscard]] std::size_t count(const std::string& method) const { return calls(method).size(); }
