@@ -4,110 +4,86 @@
 
 namespace nightjar {
 
+namespace {
+
+std::optional<std::filesystem::path> fileOf(const HostEnvironment& host) {
+    return host.applicationSupportFolder().transform(
+        [](const auto& folder) { return folder / "Nightjar" / "tracked-bluetooth-devices.json"; });
+}
+
+} // namespace
+
 BluetoothTrackerManager::BluetoothTrackerManager(const PlatformServices& platform)
     : m_platform(platform),
-      m_devices(announcerOf<&BluetoothTrackerManager::devicesChanged>(*this)),
-      m_state(announcerOf<&BluetoothTrackerManager::stateChanged>(*this), "Bluetooth is starting…"),
-      m_isScanning(announcerOf<&BluetoothTrackerManager::isScanningChanged>(*this)),
-      m_trackedID(announcerOf<&BluetoothTrackerManager::trackedIDChanged>(*this)),
-      m_isFinding(announcerOf<&BluetoothTrackerManager::isFindingChanged>(*this)),
-      m_finderSoundEnabled(announcerOf<&BluetoothTrackerManager::finderSoundEnabledChanged>(*this)),
-      m_trackedDevices(announcerOf<&BluetoothTrackerManager::trackedDevicesChanged>(*this)),
-      m_errorMessage(announcerOf<&BluetoothTrackerManager::errorMessageChanged>(*this)),
-      m_iMessageAlertsEnabled(announcerOf<&BluetoothTrackerManager::iMessageAlertsEnabledChanged>(*this)),
-      m_iMessageRecipient(announcerOf<&BluetoothTrackerManager::iMessageRecipientChanged>(*this)),
-      m_iMessageStatus(announcerOf<&BluetoothTrackerManager::iMessageStatusChanged>(*this),
-                       "Not configured") {}
-
-BluetoothTrackerManager::~BluetoothTrackerManager() = default;
-
-const DiscoveredTrackers& BluetoothTrackerManager::devices() const {
-    return m_devices.get();
+      m_file(fileOf(platform.host)),
+      m_status(announcerOf<&BluetoothTrackerManager::stateChanged>(*this),
+               announcerOf<&BluetoothTrackerManager::errorMessageChanged>(*this)),
+      m_scan(announcerOf<&BluetoothTrackerManager::isScanningChanged>(*this)),
+      m_devices(platform.scheduler),
+      m_tracked(platform.text, announcerOf<&BluetoothTrackerManager::trackedDevicesChanged>(*this),
+                m_file.load()),
+      m_location(platform.location, platform.scheduler),
+      m_finder({.trackedID = announcerOf<&BluetoothTrackerManager::trackedIDChanged>(*this),
+                .isFinding = announcerOf<&BluetoothTrackerManager::isFindingChanged>(*this),
+                .soundEnabled = announcerOf<&BluetoothTrackerManager::finderSoundEnabledChanged>(*this)}),
+      m_delivery(
+          platform,
+          {.messagesEnabled = announcerOf<&BluetoothTrackerManager::iMessageAlertsEnabledChanged>(*this),
+           .recipient = announcerOf<&BluetoothTrackerManager::iMessageRecipientChanged>(*this),
+           .status = announcerOf<&BluetoothTrackerManager::iMessageStatusChanged>(*this)}) {
+    listen();
+    if (!m_tracked.list().empty())
+        m_location.requestAccessOrLocation();
 }
 
-const std::string& BluetoothTrackerManager::state() const {
-    return m_state.get();
+BluetoothTrackerManager::~BluetoothTrackerManager() {
+    m_platform.wake.setListener({});
+    m_platform.location.setListener({}, {});
+    m_platform.bluetooth.setListener({});
+    if (m_scan.isRadioScanning())
+        m_platform.bluetooth.stopScan();
 }
 
-bool BluetoothTrackerManager::isScanning() const {
-    return m_isScanning.get();
-}
-
-const std::optional<Uuid>& BluetoothTrackerManager::trackedID() const {
-    return m_trackedID.get();
-}
-
-bool BluetoothTrackerManager::isFinding() const {
-    return m_isFinding.get();
-}
-
-bool BluetoothTrackerManager::finderSoundEnabled() const {
-    return m_finderSoundEnabled.get();
-}
-
-const std::vector<TrackedBluetoothDevice>& BluetoothTrackerManager::trackedDevices() const {
-    return m_trackedDevices.get();
-}
-
-const std::optional<std::string>& BluetoothTrackerManager::errorMessage() const {
-    return m_errorMessage.get();
-}
-
-bool BluetoothTrackerManager::iMessageAlertsEnabled() const {
-    return m_iMessageAlertsEnabled.get();
-}
-
-const std::string& BluetoothTrackerManager::iMessageRecipient() const {
-    return m_iMessageRecipient.get();
-}
-
-const std::string& BluetoothTrackerManager::iMessageStatus() const {
-    return m_iMessageStatus.get();
-}
-
-void BluetoothTrackerManager::setFinderSoundEnabled(bool enabled) {
-    m_finderSoundEnabled.set(enabled);
-}
-
-void BluetoothTrackerManager::setErrorMessage(const std::optional<std::string>& sentence) {
-    m_errorMessage.set(sentence);
-}
-
-void BluetoothTrackerManager::setIMessageAlertsEnabled(bool enabled) {
-    m_iMessageAlertsEnabled.set(enabled);
-}
-
-void BluetoothTrackerManager::setIMessageRecipient(const std::string& recipient) {
-    m_iMessageRecipient.set(recipient);
-}
-
-const DiscoveredTracker* BluetoothTrackerManager::deviceWith(const Uuid&) const {
-    return nullptr;
+void BluetoothTrackerManager::listen() {
+    m_platform.location.setListener(
+        {.onAuthorizationChanged = [this] { m_location.requestLocationIfNeeded(); },
+         .onFixes = [this](const std::vector<LocationFix>& fixes) { m_location.receive(fixes); },
+         .onError = [this](const LocationError& error) { didFailWithError(error); }},
+        {.accuracy = 100, .distanceFilter = 50});
+    m_platform.bluetooth.setListener(
+        {.onStateChanged = [this] { centralManagerDidUpdateState(); },
+         .onAdvertisement =
+             [this](const BluetoothAdvertisement& advertisement) { didDiscover(advertisement); }});
+    m_platform.wake.setListener([this] { macDidWake(); });
+    // A radio that is ready already tells of no change.
+    if (m_platform.bluetooth.state() != BluetoothRadioState::unknown) {
+        m_firstState = m_platform.scheduler.after(std::chrono::milliseconds{0}, [this] {
+            if (state() == BluetoothTexts::starting)
+                centralManagerDidUpdateState();
+        });
+    }
 }
 
 std::optional<DiscoveredTracker> BluetoothTrackerManager::trackedDevice() const {
-    return std::nullopt;
+    const auto* device = trackedID() ? deviceWith(*trackedID()) : nullptr;
+    return device ? std::optional(*device) : std::nullopt;
 }
 
-const TrackedBluetoothDevice* BluetoothTrackerManager::trackedDeviceWith(const Uuid&) const {
-    return nullptr;
+bool BluetoothTrackerManager::isPoweredOn() const {
+    return m_platform.bluetooth.state() == BluetoothRadioState::poweredOn;
 }
 
-const std::optional<std::filesystem::path>& BluetoothTrackerManager::trackedDevicesURL() const {
-    return m_trackedDevicesURL;
+void BluetoothTrackerManager::saveTrackedDevices() {
+    if (const auto saved = m_file.save(m_tracked.list())) {
+        m_lastTrackedSave = m_platform.scheduler.steadyNow();
+    } else {
+        report("Could not save the tracked Bluetooth devices: " + saved.error());
+    }
 }
 
-// TODO: the operations.
-void BluetoothTrackerManager::startScanning() {}
-void BluetoothTrackerManager::stopScanning() {}
-void BluetoothTrackerManager::track(const DiscoveredTracker&) {}
-void BluetoothTrackerManager::stopTracking(const Uuid&) {}
-void BluetoothTrackerManager::renameTrackedDevice(const Uuid&, const std::string&) {}
-void BluetoothTrackerManager::startFinding(const Uuid&) {}
-void BluetoothTrackerManager::stopFinding() {}
-void BluetoothTrackerManager::setLossAlert(bool, const Uuid&) {}
-void BluetoothTrackerManager::setLossAlertDelay(double, const Uuid&) {}
-void BluetoothTrackerManager::sendTestIMessage() {}
-void BluetoothTrackerManager::updateIMessageStatus() {}
+void BluetoothTrackerManager::report(const std::optional<std::string>& failure) {
+    if (failure)
+        m_status.errorMessage.set(failure);
+}
 
 } // namespace nightjar

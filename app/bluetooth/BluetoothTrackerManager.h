@@ -3,9 +3,18 @@
 #pragma once
 
 #include "app/ObservableController.h"
+#include "app/bluetooth/BluetoothStatus.h"
+#include "app/bluetooth/ComputerLocation.h"
+#include "app/bluetooth/DiscoveredDevices.h"
 #include "app/bluetooth/DiscoveredTracker.h"
+#include "app/bluetooth/LossAlertDelivery.h"
+#include "app/bluetooth/LossAlertMonitor.h"
+#include "app/bluetooth/ProximityFinder.h"
+#include "app/bluetooth/ScanSession.h"
+#include "app/bluetooth/TrackedDevices.h"
 #include "core/base/Uuid.h"
 #include "core/bluetooth/TrackedBluetoothDevice.h"
+#include "core/bluetooth/TrackedDevicesFile.h"
 #include "platform/PlatformServices.h"
 
 #include <cstddef>
@@ -45,37 +54,45 @@ public:
     ~BluetoothTrackerManager() override;
 
     /// In the order first heard; a reference to one is valid until the list is cleared.
-    [[nodiscard]] const DiscoveredTrackers& devices() const;
-    [[nodiscard]] const std::string& state() const;
-    [[nodiscard]] bool isScanning() const;
-    [[nodiscard]] const std::optional<Uuid>& trackedID() const;
-    [[nodiscard]] bool isFinding() const;
-    [[nodiscard]] bool finderSoundEnabled() const;
-    [[nodiscard]] const std::vector<TrackedBluetoothDevice>& trackedDevices() const;
-    [[nodiscard]] const std::optional<std::string>& errorMessage() const;
-    [[nodiscard]] bool iMessageAlertsEnabled() const;
-    [[nodiscard]] const std::string& iMessageRecipient() const;
-    [[nodiscard]] const std::string& iMessageStatus() const;
+    [[nodiscard]] const DiscoveredTrackers& devices() const { return m_devices.list(); }
+    [[nodiscard]] const std::string& state() const { return m_status.state(); }
+    [[nodiscard]] bool isScanning() const { return m_scan.isScanning(); }
+    [[nodiscard]] const std::optional<Uuid>& trackedID() const { return m_finder.trackedID(); }
+    [[nodiscard]] bool isFinding() const { return m_finder.isFinding(); }
+    [[nodiscard]] bool finderSoundEnabled() const { return m_finder.isSoundEnabled(); }
+    [[nodiscard]] const std::vector<TrackedBluetoothDevice>& trackedDevices() const {
+        return m_tracked.list();
+    }
+    [[nodiscard]] const std::optional<std::string>& errorMessage() const {
+        return m_status.errorMessage.get();
+    }
+    [[nodiscard]] bool iMessageAlertsEnabled() const { return m_delivery.isMessagesEnabled(); }
+    [[nodiscard]] const std::string& iMessageRecipient() const { return m_delivery.recipient(); }
+    [[nodiscard]] const std::string& iMessageStatus() const { return m_delivery.status(); }
 
-    void setFinderSoundEnabled(bool enabled);
-    void setErrorMessage(const std::optional<std::string>& sentence);
+    void setFinderSoundEnabled(bool enabled) { m_finder.setSoundEnabled(enabled); }
+    void setErrorMessage(const std::optional<std::string>& sentence) { m_status.errorMessage.set(sentence); }
     /// The two are kept at once; `iMessageStatus` follows with `updateIMessageStatus`.
-    void setIMessageAlertsEnabled(bool enabled);
-    void setIMessageRecipient(const std::string& recipient);
+    void setIMessageAlertsEnabled(bool enabled) { m_delivery.setMessagesEnabled(enabled); }
+    void setIMessageRecipient(const std::string& recipient) { m_delivery.setRecipient(recipient); }
 
     /// The device of this scan; null when it was not heard. Does not search the list.
-    [[nodiscard]] const DiscoveredTracker* deviceWith(const Uuid& id) const;
+    [[nodiscard]] const DiscoveredTracker* deviceWith(const Uuid& id) const { return m_devices.find(id); }
     /// The live record of the finder's device.
     [[nodiscard]] std::optional<DiscoveredTracker> trackedDevice() const;
-    /// Null when the device is not tracked.
-    [[nodiscard]] const TrackedBluetoothDevice* trackedDeviceWith(const Uuid& id) const;
+    /// Null when the device is not tracked. Does not search the list.
+    [[nodiscard]] const TrackedBluetoothDevice* trackedDeviceWith(const Uuid& id) const {
+        return m_tracked.find(id);
+    }
     /// The file of the tracked devices; absent when the user has no home.
-    [[nodiscard]] const std::optional<std::filesystem::path>& trackedDevicesURL() const;
+    [[nodiscard]] const std::optional<std::filesystem::path>& trackedDevicesURL() const {
+        return m_file.path();
+    }
 
     void startScanning();
     void stopScanning();
 
-    void track(const DiscoveredTracker& device);
+    void track(DiscoveredTracker device);
     void stopTracking(const Uuid& id);
     void renameTrackedDevice(const Uuid& id, const std::string& name);
 
@@ -110,19 +127,50 @@ Q_SIGNALS:
     void timePassed();
 
 private:
+    void listen();
+    void centralManagerDidUpdateState();
+    void didDiscover(const BluetoothAdvertisement& advertisement);
+    void macDidWake();
+    void didFailWithError(const LocationError& error);
+
+    [[nodiscard]] bool isPoweredOn() const;
+    void resumeScan();
+    void clearDevices();
+    void hearTracked(const Uuid& id, std::int32_t rssi, SteadyTime now, Date date);
+    void showHeard(const Uuid& id, std::int32_t rssi);
+    void armIfHeardJustNow(const Uuid& id);
+
+    void startScanRefreshTimer();
+    void stopScanRefreshTimer();
+    void scanRefresh();
+    void checkLossAlerts();
+
+    void beginFinderScan();
+    void showFinding(const Uuid& id);
+    void startFinderTimer();
+    void finderRefresh();
+    void playFinderSoundIfNeeded(SteadyTime now);
+    void scanAgainIfNeeded(SteadyTime now);
+
+    void saveTrackedDevices();
+    void report(const std::optional<std::string>& failure);
+
     PlatformServices m_platform;
-    std::optional<std::filesystem::path> m_trackedDevicesURL;
-    Published<DiscoveredTrackers> m_devices;
-    Published<std::string> m_state;
-    Published<bool> m_isScanning;
-    Published<std::optional<Uuid>> m_trackedID;
-    Published<bool> m_isFinding;
-    Published<bool> m_finderSoundEnabled;
-    Published<std::vector<TrackedBluetoothDevice>> m_trackedDevices;
-    Published<std::optional<std::string>> m_errorMessage;
-    Published<bool> m_iMessageAlertsEnabled;
-    Published<std::string> m_iMessageRecipient;
-    Published<std::string> m_iMessageStatus;
+    TrackedDevicesFile m_file;
+    BluetoothStatus m_status;
+    ScanSession m_scan;
+    DiscoveredDevices m_devices;
+    TrackedDevices m_tracked;
+    ComputerLocation m_location;
+    ProximityFinder m_finder;
+    LossAlertMonitor m_losses;
+    LossAlertDelivery m_delivery;
+    std::optional<SteadyTime> m_lastTrackedSave;
+    SteadyTime m_lastScanRefresh{};
+    Timer m_firstState;
+    Timer m_scanRefreshTimer;
+    Timer m_lateCheck;
+    Timer m_finderTimer;
 };
 
 } // namespace nightjar

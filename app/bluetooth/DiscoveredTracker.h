@@ -15,7 +15,7 @@ namespace nightjar {
 /// A Bluetooth device heard in the current scan.
 struct DiscoveredTracker {
     Uuid id;                 ///< of the peripheral
-    std::string name;        ///< advertised, or made up for a device without a name
+    std::string name{};      ///< advertised, or made up for a device without a name
     Date lastSeen{};         ///< of its latest processed advertisement
     double smoothedRSSI = 0; ///< dBm
     std::int32_t rssi = 0;   ///< dBm, of the latest processed advertisement

@@ -21,7 +21,7 @@ BluetoothProximityEstimator::BluetoothProximityEstimator(int maximumSamples)
     : m_maximumSamples(std::max(maximumSamples, leastSamples)) {}
 
 std::optional<BluetoothProximitySnapshot> BluetoothProximityEstimator::add(int rssi) {
-    if (rssi < -127 || rssi > -1)
+    if (!accepts(rssi))
         return std::nullopt;
     // The oldest goes first: the string never holds more than it has room for.
     if (m_values.size() == static_cast<std::size_t>(m_maximumSamples))

@@ -27,8 +27,11 @@ public:
     /// Holds the newest `maximumSamples` readings, but never fewer than 4.
     explicit BluetoothProximityEstimator(int maximumSamples);
 
+    /// Whether a reading says anything: from -127 to -1 dBm.
+    [[nodiscard]] static constexpr bool accepts(int rssi) { return rssi >= -127 && rssi <= -1; }
+
     void reset() { m_values.clear(); }
-    /// A reading in dBm; one outside -127 to -1 says nothing and is absent.
+    /// Adds a reading in dBm; absent when it is not accepted.
     [[nodiscard]] std::optional<BluetoothProximitySnapshot> add(int rssi);
 
 private:
