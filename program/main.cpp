@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: Nightjar contributors
 // SPDX-License-Identifier: Apache-2.0
 #include "app/headless/CommandLine.h"
-#include "platform/linux/BusConnector.h"
+#include "platform/linux/BackgroundThread.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "program/DemoPlatform.h"
 #include "program/DemoScenario.h"
@@ -105,8 +105,8 @@ int main(int argc, char** argv) {
     }
     const QCoreApplication application(argc, argv);
     const int status = commandLine->demo ? runDemo(*commandLine) : runReal(*commandLine);
-    // Everything is on the disk. A bus that hangs would hold up the end of the libraries that wait for it.
-    if (BusConnector::hasLeftThreadBehind())
+    // Everything is on the disk. What such a thread waits for would hold up the end of the libraries too.
+    if (BackgroundThread::wasOneLeftBehind())
         std::_Exit(status);
     return status;
 }

@@ -6,14 +6,10 @@
 
 #include <algorithm>
 #include <atomic>
-#include <system_error>
 #include <utility>
 
 namespace nightjar {
 namespace {
-
-constexpr std::chrono::seconds patienceAtEnd{1};
-std::atomic<bool> leftThreadBehind = false;
 
 QDBusConnection noBus() {
     return QDBusConnection(QString());
@@ -35,25 +31,12 @@ BusConnector::BusConnector(MainThread& mainThread, Scheduler& scheduler, OpenBus
     : m_mainThread(mainThread), m_scheduler(scheduler), m_openBus(std::move(openBus)), m_bus(noBus()) {}
 
 BusConnector::~BusConnector() {
-    giveUpOpening();
+    m_opener.finish();
+    {
+        const std::scoped_lock lock(m_life->mutex);
+        m_life->isOver = true;
+    }
     close();
-}
-
-bool BusConnector::hasLeftThreadBehind() {
-    return leftThreadBehind;
-}
-
-void BusConnector::giveUpOpening() {
-    if (!m_opener.joinable())
-        return;
-    std::unique_lock lock(m_opening->mutex);
-    const bool ended = m_opening->ended.wait_for(lock, patienceAtEnd, [this] { return m_opening->hasEnded; });
-    m_opening->isGivenUp = true;
-    lock.unlock();
-    if (ended)
-        return m_opener.join();
-    leftThreadBehind = true;
-    m_opener.detach();
 }
 
 QDBusConnection BusConnector::openSystemBus() {
@@ -79,26 +62,19 @@ void BusConnector::openNow() {
 
 void BusConnector::startThread() {
     m_isOpening = true;
-    if (m_opener.joinable())
-        m_opener.join();
-    m_opening = std::make_shared<Opening>();
-    auto end = [this, alive = std::weak_ptr(m_alive)](const QDBusConnection& bus) {
-        if (!alive.expired())
+    auto end = [this, life = m_life](const QDBusConnection& bus) {
+        if (!life->isOver)
             openingEnded(bus);
     };
-    auto work = [openBus = m_openBus, &mainThread = m_mainThread, end, state = m_opening] {
-        auto bus = openBus();
-        const std::scoped_lock lock(state->mutex);
-        state->hasEnded = true;
-        state->ended.notify_all();
-        if (!state->isGivenUp)
-            mainThread.post([end, bus] { end(bus); });
-    };
-    try {
-        m_opener = std::thread(std::move(work));
-    } catch (const std::system_error&) {
+    const bool hasThread =
+        m_opener.start([openBus = m_openBus, &mainThread = m_mainThread, life = m_life, end] {
+            auto bus = openBus();
+            const std::scoped_lock lock(life->mutex);
+            if (!life->isOver)
+                mainThread.post([end, bus] { end(bus); });
+        });
+    if (!hasThread)
         m_mainThread.post([end] { end(noBus()); });
-    }
 }
 
 void BusConnector::openingEnded(const QDBusConnection& bus) {

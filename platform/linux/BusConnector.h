@@ -4,22 +4,20 @@
 
 #include "platform/MainThread.h"
 #include "platform/Scheduler.h"
+#include "platform/linux/BackgroundThread.h"
 
 #include <QDBusConnection>
 #include <QObject>
 
-#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <thread>
 
 namespace nightjar {
 
 /// Opens a message bus in the background and keeps it: opening waits for the bus, for ever when it takes the
 /// connection and says nothing. A bus that cannot be opened, or is lost later, is tried again by itself.
-/// Main thread; no signal is sent inside a call. The destructor waits a second for a bus that is being
-/// opened, then leaves its thread behind.
+/// Main thread; no signal is sent inside a call.
 class BusConnector final : public QObject {
     Q_OBJECT
 public:
@@ -40,9 +38,6 @@ public:
     /// Unconnected unless open.
     [[nodiscard]] const QDBusConnection& bus() const { return m_bus; }
 
-    /// Whether a thread was left behind, which would keep the process from ending in the usual way.
-    [[nodiscard]] static bool hasLeftThreadBehind();
-
     /// $DBUS_SYSTEM_BUS_ADDRESS as it is now, else the usual place.
     [[nodiscard]] static QDBusConnection openSystemBus();
     /// $DBUS_SESSION_BUS_ADDRESS as it is now, else the usual place.
@@ -59,19 +54,16 @@ private Q_SLOTS:
     void disconnected();
 
 private:
-    /// What the opening thread shares with us; it may outlive us.
-    struct Opening {
+    /// Shared with the opening thread, which may outlive us.
+    struct Life {
         std::mutex mutex;
-        std::condition_variable ended;
-        bool hasEnded = false;
-        bool isGivenUp = false;
+        bool isOver = false; ///< written on the main thread, under the mutex
     };
 
     void startThread();
     void openingEnded(const QDBusConnection& bus);
     void tryAgainLater();
     void close();
-    void giveUpOpening();
 
     MainThread& m_mainThread;
     Scheduler& m_scheduler;
@@ -80,9 +72,8 @@ private:
     bool m_isOpening = false;
     std::chrono::milliseconds m_retry = firstRetry;
     Timer m_nextTry;
-    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
-    std::shared_ptr<Opening> m_opening;
-    std::thread m_opener;
+    std::shared_ptr<Life> m_life = std::make_shared<Life>();
+    BackgroundThread m_opener;
 };
 
 } // namespace nightjar

@@ -2,6 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/linux/LinuxPlatform.h"
 
+#include "platform/linux/CanberraOutput.h"
+
+#include <QCoreApplication>
+
 namespace nightjar {
 namespace {
 
@@ -20,10 +24,15 @@ NotificationSettings withSound(AlertSound& sound) {
 
 LinuxPlatform::LinuxPlatform()
     : m_preferences(preferencesFile(m_host), m_scheduler),
+      m_player(m_scheduler, std::make_unique<CanberraOutput>()),
+      m_alertSound(m_player),
       m_systemBus(m_mainThread, m_scheduler, BusConnector::openSystemBus),
       m_sessionBus(m_mainThread, m_scheduler, BusConnector::openSessionBus),
       m_notifications(m_sessionBus, withSound(m_alertSound)),
-      m_text(IcuTextServices::systemLocale(m_host)) {}
+      m_text(IcuTextServices::systemLocale(m_host)),
+      m_location(m_systemBus, m_scheduler, NotificationSettings().desktopEntry),
+      m_sound(m_player, BundledSounds::folderBeside(QCoreApplication::applicationDirPath().toStdString())),
+      m_wake(m_systemBus) {}
 
 PlatformServices LinuxPlatform::services() {
     return {.host = m_host,

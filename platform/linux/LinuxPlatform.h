@@ -5,10 +5,13 @@
 #include "platform/PlatformServices.h"
 #include "platform/linux/AbsentServices.h"
 #include "platform/linux/AlertSound.h"
+#include "platform/linux/BundledSounds.h"
 #include "platform/linux/BusConnector.h"
+#include "platform/linux/GeoclueLocationSource.h"
 #include "platform/linux/IcuTextServices.h"
 #include "platform/linux/JsonFilePreferences.h"
 #include "platform/linux/LinuxHostEnvironment.h"
+#include "platform/linux/LogindWakeMonitor.h"
 #include "platform/linux/QtMainThread.h"
 #include "platform/linux/QtScheduler.h"
 #include "platform/linux/SessionNotificationCenter.h"
@@ -30,15 +33,16 @@ private:
     QtMainThread m_mainThread;
     QtScheduler m_scheduler;
     JsonFilePreferences m_preferences;
+    SoundPlayer m_player;
     AlertSound m_alertSound;
     BusConnector m_systemBus;
     BusConnector m_sessionBus;
     SessionNotificationCenter m_notifications;
     IcuTextServices m_text;
     AbsentBluetooth m_bluetooth;
-    AbsentLocation m_location;
-    AbsentSound m_sound;
-    AbsentWake m_wake;
+    GeoclueLocationSource m_location;
+    BundledSounds m_sound;
+    LogindWakeMonitor m_wake;
     AbsentMessages m_messages;
 };
 
