@@ -2,11 +2,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "program/DemoPlatform.h"
 
+#include "program/DemoBluetooth.h"
+
+#include <chrono>
 #include <utility>
 
 namespace nightjar {
+namespace {
 
-DemoPlatform::DemoPlatform(DemoProfile profile) : m_profile(std::move(profile)) {
+constexpr std::uint64_t worldSeed = 7;
+/// A Bluetooth radio takes its time to start.
+constexpr std::chrono::milliseconds radioStart{600};
+
+} // namespace
+
+DemoPlatform::DemoPlatform(DemoProfile profile)
+    : m_profile(std::move(profile)),
+      m_bluetoothWorld(m_bluetooth, m_scheduler, demoPeripherals(), worldSeed) {
     m_preferences.setString("serialPort", m_profile.port());
 }
 
@@ -22,6 +34,10 @@ PlatformServices DemoPlatform::services() {
             .sound = m_sound,
             .wake = m_wake,
             .messages = m_messages};
+}
+
+void DemoPlatform::begin() {
+    m_radioStart = m_scheduler.after(radioStart, [this] { m_bluetoothWorld.begin(); });
 }
 
 } // namespace nightjar

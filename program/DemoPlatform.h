@@ -7,22 +7,26 @@
 #include "platform/linux/JsonFilePreferences.h"
 #include "platform/linux/QtMainThread.h"
 #include "platform/linux/QtScheduler.h"
+#include "platform/simulated/BluetoothWorld.h"
 #include "platform/simulated/FakeBluetoothCentral.h"
-#include "platform/simulated/FakeLocationSource.h"
 #include "platform/simulated/FakeMessageTransport.h"
 #include "platform/simulated/FakeSystemSound.h"
 #include "platform/simulated/FakeWakeMonitor.h"
+#include "program/DemoLocation.h"
 #include "program/DemoProfile.h"
 
 namespace nightjar {
 
-/// The demo's computer with the real event loop: settings live in memory, notifications go nowhere.
+/// The demo's computer with the real event loop: settings live in memory, notifications go nowhere, and
+/// Bluetooth devices are made up.
 class DemoPlatform {
 public:
     /// The base radio of the profile is the one that was used last, so it is connected at the start.
     explicit DemoPlatform(DemoProfile profile);
 
     [[nodiscard]] PlatformServices services();
+    /// Sets the world in motion. To be called once the controllers are there.
+    void begin();
 
 private:
     class Silence final : public NotificationCenter {
@@ -38,10 +42,12 @@ private:
     Silence m_notifications;
     IcuTextServices m_text{std::string()};
     FakeBluetoothCentral m_bluetooth;
-    FakeLocationSource m_location;
+    DemoLocation m_location{m_scheduler};
     FakeSystemSound m_sound;
     FakeWakeMonitor m_wake;
     FakeMessageTransport m_messages;
+    BluetoothWorld m_bluetoothWorld;
+    Timer m_radioStart;
 };
 
 } // namespace nightjar

@@ -3,14 +3,27 @@
 #include "program/DemoUser.h"
 
 #include "app/mesh/NightjarModel.h"
+#include "program/DemoBluetooth.h"
 
 #include <algorithm>
 
 namespace nightjar {
+namespace {
+
+/// Seconds; the shortest that can be chosen, so that the demo need not be waited for.
+constexpr double shortestDelay = 15;
+
+} // namespace
 
 DemoUser::DemoUser(NightjarModel& model) : m_model(model) {
     // Queued: a user acts on what has been shown, never in the middle of a change.
     connect(&model, &NightjarModel::nodesChanged, this, &DemoUser::guardBicycle, Qt::QueuedConnection);
+    connect(&model.bluetoothTrackers(), &BluetoothTrackerManager::devicesChanged, this, &DemoUser::watchKeys,
+            Qt::QueuedConnection);
+}
+
+void DemoUser::begin() {
+    m_model.bluetoothTrackers().startScanning();
 }
 
 void DemoUser::guardBicycle() {
@@ -24,6 +37,20 @@ void DemoUser::guardBicycle() {
     m_model.setGuardProfile(GuardProfile::bicycle);
     m_model.setGuarded(MeshNode(*bicycle));
     m_model.markGuardedPosition();
+}
+
+void DemoUser::watchKeys() {
+    auto& bluetooth = m_model.bluetoothTrackers();
+    if (m_hasSeenKeys)
+        return;
+    const auto keys = std::ranges::find(bluetooth.devices(), demoKeysName, &DiscoveredTracker::name);
+    if (keys == bluetooth.devices().end())
+        return;
+    m_hasSeenKeys = true;
+    const auto id = keys->id;
+    bluetooth.track(DiscoveredTracker(*keys));
+    bluetooth.setLossAlertDelay(shortestDelay, id);
+    bluetooth.setLossAlert(true, id);
 }
 
 } // namespace nightjar

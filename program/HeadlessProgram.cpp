@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "program/HeadlessProgram.h"
 
+#include "app/headless/BluetoothTable.h"
 #include "app/headless/MeshTable.h"
 #include "radio/MeshRadio.h"
 
@@ -54,19 +55,22 @@ HeadlessProgram::~HeadlessProgram() {
 }
 
 void HeadlessProgram::start() {
-    for (const auto watch : m_commandLine.watches) {
-        std::cerr << "This build cannot watch " << name(watch) << " yet; going on without it." << std::endl;
+    if (m_commandLine.watches.contains(headless::Watch::network)) {
+        std::cerr << "This build cannot watch the network yet; going on without it." << std::endl;
     }
     if (m_commandLine.jsonLines)
         startJsonLines();
     else
         startReadable();
+    if (m_commandLine.watches.contains(headless::Watch::bluetooth))
+        m_model.bluetoothTrackers().startScanning();
     m_output.writeOut();
 }
 
 void HeadlessProgram::startJsonLines() {
     std::vector<headless::ControllerTable> tables;
     tables.push_back(headless::meshTable(m_model));
+    tables.push_back(headless::bluetoothTable(m_model.bluetoothTrackers()));
     auto& session = m_session.emplace(std::move(tables), m_output);
     m_notifications.setReporter([&session](const Notification& notification) { session.tell(notification); });
 

@@ -74,7 +74,9 @@ int runDemo(const CommandLine& commandLine) {
     DemoPlatform platform(*std::move(profile));
     // What happens in the made-up world must not alarm anyone on the real desktop.
     HeadlessProgram program(commandLine, platform.services(), Desktop::leftAlone);
-    const DemoUser user(program.model());
+    DemoUser user(program.model());
+    platform.begin();
+    user.begin();
     return run(program);
 }
 

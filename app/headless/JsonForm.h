@@ -12,6 +12,7 @@
 #include <cmath>
 #include <concepts>
 #include <cstdint>
+#include <deque>
 #include <limits>
 #include <map>
 #include <optional>
@@ -143,6 +144,16 @@ struct JsonForm<std::optional<T>> {
 template <class T>
 struct JsonForm<std::vector<T>> {
     static void write(json::JsonWriter& writer, std::span<const T> values) {
+        writer.beginArray();
+        for (const T& value : values)
+            JsonForm<T>::write(writer, value);
+        writer.endArray();
+    }
+};
+
+template <class T>
+struct JsonForm<std::deque<T>> {
+    static void write(json::JsonWriter& writer, const std::deque<T>& values) {
         writer.beginArray();
         for (const T& value : values)
             JsonForm<T>::write(writer, value);

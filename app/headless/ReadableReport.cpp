@@ -14,6 +14,7 @@ ReadableReport::ReadableReport(NightjarModel& model, LineSink& output, Scheduler
 void ReadableReport::start() {
     const auto changed = [this] { scheduleFlush(); };
     m_mesh = std::make_unique<MeshReport>(m_model, m_scheduler, changed);
+    m_bluetooth = std::make_unique<BluetoothReport>(m_model.bluetoothTrackers(), m_scheduler, changed);
     flush();
 }
 
@@ -28,6 +29,7 @@ void ReadableReport::flush() {
     m_scheduled = false;
     m_lines.tellLeftOut();
     m_mesh->print(m_lines);
+    m_bluetooth->print(m_lines);
 }
 
 void ReadableReport::tell(const Notification& notification) {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "app/headless/BluetoothReport.h"
 #include "app/headless/LineSink.h"
 #include "app/headless/MeshReport.h"
 #include "app/headless/ReadableLines.h"
@@ -35,6 +36,7 @@ private:
     Scheduler& m_scheduler;
     ReadableLines m_lines;
     std::unique_ptr<MeshReport> m_mesh;
+    std::unique_ptr<BluetoothReport> m_bluetooth;
     bool m_scheduled = false;
 };
 

@@ -3,10 +3,13 @@
 #pragma once
 
 #include "app/headless/ControllerTable.h"
+#include "app/headless/IndexedRecords.h"
 #include "app/headless/JsonForm.h"
 #include "app/headless/RecordChanges.h"
 
+#include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -56,6 +59,32 @@ public:
         m_table.fields.back().tellChanges = [target = &m_controller, getter,
                                              changes = Changes<Record>()](ElementSink& sink) mutable {
             return changes.tell(std::invoke(getter, *target), sink);
+        };
+        return *this;
+    }
+
+    /// A list of records that is printed element by element and tells which have changed: `changedAt` is a
+    /// signal with the place of a record that is new or has changed, `cleared` one that the list is empty.
+    template <class Getter, class ChangedAt, class Cleared>
+    TableBuilder& indexedList(std::string_view name, Getter getter, ChangedAt changedAt, Cleared cleared) {
+        using Record = typename Value<Getter>::value_type;
+        auto changes = std::make_shared<IndexedRecords<Record>>();
+        for (std::size_t i = 0; i < std::invoke(getter, m_controller).size(); ++i)
+            changes->noteChanged(i);
+        Field& field = readable(name, getter).m_table.fields.back();
+        field.observe = [target = &m_controller, changedAt, cleared, changes](QObject* context,
+                                                                              std::function<void()> changed) {
+            QObject::connect(target, changedAt, context, [changes, changed](std::size_t index) {
+                changes->noteChanged(index);
+                changed();
+            });
+            QObject::connect(target, cleared, context, [changes, changed] {
+                changes->noteCleared();
+                changed();
+            });
+        };
+        field.tellChanges = [target = &m_controller, getter, changes](ElementSink& sink) {
+            return changes->tell(std::invoke(getter, *target), sink);
         };
         return *this;
     }

@@ -5,6 +5,7 @@
 #include "app/Lifetime.h"
 #include "app/ObservableController.h"
 #include "app/SettingsTab.h"
+#include "app/bluetooth/BluetoothTrackerManager.h"
 #include "app/mesh/BaseConnection.h"
 #include "app/mesh/BaseNames.h"
 #include "app/mesh/Conversation.h"
@@ -120,6 +121,9 @@ public:
     void setMessageChannel(std::uint32_t channel) { m_conversation.setChannel(channel); }
     void setSelectedSettingsTab(SettingsTab tab) { m_selectedSettingsTab.set(tab); }
 
+    /// The other watch that this controller brings with it; lives as long as this one.
+    [[nodiscard]] BluetoothTrackerManager& bluetoothTrackers() { return m_bluetoothTrackers; }
+
     [[nodiscard]] std::optional<std::uint32_t> guardedNodeID() const { return m_guard.guardedNodeID(); }
     [[nodiscard]] std::vector<MeshNode> directlyHeardNodes() const;
     [[nodiscard]] std::vector<MeshNode> otherMeshNodes() const;
@@ -185,6 +189,7 @@ private:
     [[nodiscard]] std::vector<MeshNode> remoteNodes(bool directlyHeard) const;
 
     PlatformServices m_platform;
+    BluetoothTrackerManager m_bluetoothTrackers;
     std::unique_ptr<RadioLink> m_radio;
     std::optional<std::filesystem::path> m_folder; ///< absent when the user has no home
     PositionStore m_positionStore;

@@ -186,7 +186,7 @@ TEST_F(HeadlessProgramTest, readableLinesGoOnWithoutInput) {
     EXPECT_NE(program.lineWith("connection: Choose a USB radio in Settings"), "");
     program.signal(SIGTERM);
     EXPECT_EQ(program.exitStatus(), 0);
-    EXPECT_THAT(program.standardError(), HasSubstr("This build cannot watch network yet"));
+    EXPECT_THAT(program.standardError(), HasSubstr("This build cannot watch the network yet"));
 }
 
 TEST_F(HeadlessProgramTest, anUnknownOptionIsRefused) {
@@ -196,18 +196,23 @@ TEST_F(HeadlessProgramTest, anUnknownOptionIsRefused) {
     EXPECT_THAT(program.standardError(), HasSubstr("Unknown option \"--bogus\""));
 }
 
-TEST_F(HeadlessProgramTest, theDemoAlertsOnceAndLeavesNothingBehind) {
+TEST_F(HeadlessProgramTest, theDemoAlertsOnceOfEachThingAndLeavesNothingBehind) {
     RunningProgram program(home, {QStringLiteral("--demo"), QStringLiteral("--headless")});
     EXPECT_NE(program.lineWith("guard: Armed"), "");
-    EXPECT_NE(program.lineWith("ALERT Bicycle moved: "), "");
+    EXPECT_NE(program.lineWith("ALERT Keys is nearby again: "), "");
     for (int i = 0; i < 3; ++i)
         EXPECT_NE(program.lineWith("guard: Movement detected"), "");
     program.signal(SIGTERM);
 
     EXPECT_EQ(program.exitStatus(), 0);
-    EXPECT_EQ(std::ranges::count_if(program.lines(),
-                                    [](const std::string& line) { return line.contains("ALERT"); }),
-              1);
+    const auto countOf = [&](std::string_view piece) {
+        return std::ranges::count_if(
+            program.lines(), [piece](const std::string& line) { return line.contains(piece); });
+    };
+    EXPECT_EQ(countOf("tracking Keys, alert after 15 seconds without a signal"), 1);
+    EXPECT_EQ(countOf("ALERT Bicycle moved: "), 1);
+    EXPECT_EQ(countOf("ALERT Keys is no longer nearby: "), 1);
+    EXPECT_EQ(countOf("ALERT"), 3);
     EXPECT_THAT(program.lines(), Not(testing::Contains(HasSubstr("ERROR"))));
     for (const auto* folder : {"tmp", "data", "config", "home"}) {
         EXPECT_TRUE(QDir(home.path(QLatin1String(folder))).isEmpty()) << folder;
