@@ -166,14 +166,14 @@ void BluetoothTrackerManager::playFinderSoundIfNeeded(SteadyTime now) {
     const auto place = m_devices.placeOf(*trackedID());
     if (!place)
         return;
-    if (m_finder.soundIsDue(devices()[*place].band, *m_devices.processedAt(*trackedID()), now))
+    if (m_finder.soundIsDue(devices()[*place].band, *m_devices.heardAt(*trackedID()), now))
         m_platform.sound.play("Tink");
 }
 
 void BluetoothTrackerManager::scanAgainIfNeeded(SteadyTime now) {
     if (!m_scan.isRadioScanning() || !isPoweredOn())
         return;
-    if (!m_finder.scanIsDue(m_devices.processedAt(*trackedID()), now))
+    if (!m_finder.scanIsDue(m_devices.heardAt(*trackedID()), now))
         return;
     m_finder.noteScan(now);
     m_platform.bluetooth.scan();

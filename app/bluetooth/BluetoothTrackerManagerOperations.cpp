@@ -62,7 +62,7 @@ void BluetoothTrackerManager::track(DiscoveredTracker device) {
 
     const auto now = m_platform.scheduler.now();
     const auto place = m_location.recentPlace(now);
-    const auto heardAt = m_devices.processedAt(device.id).value_or(m_platform.scheduler.steadyNow());
+    const auto heardAt = m_devices.heardAt(device.id).value_or(m_platform.scheduler.steadyNow());
     m_tracked.add({.id = device.id,
                    .name = device.name,
                    .discoveredName = device.name,
@@ -147,7 +147,7 @@ void BluetoothTrackerManager::setLossAlert(bool enabled, const Uuid& id) {
 
 void BluetoothTrackerManager::armIfHeardJustNow(const Uuid& id) {
     constexpr std::chrono::seconds justNow{5};
-    const auto heardAt = m_devices.processedAt(id);
+    const auto heardAt = m_devices.heardAt(id);
     if (heardAt && m_platform.scheduler.steadyNow() - *heardAt <= justNow)
         m_losses.arm(id);
 }

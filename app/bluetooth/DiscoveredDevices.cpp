@@ -60,8 +60,8 @@ const DiscoveredTracker* DiscoveredDevices::find(const Uuid& id) const {
     return place ? &m_scan.devices[*place] : nullptr;
 }
 
-std::optional<SteadyTime> DiscoveredDevices::processedAt(const Uuid& id) const {
-    return placeOf(id).transform([this](std::size_t place) { return m_scan.receptions[place].processedAt; });
+std::optional<SteadyTime> DiscoveredDevices::heardAt(const Uuid& id) const {
+    return placeOf(id).transform([this](std::size_t place) { return m_scan.receptions[place].heardAt; });
 }
 
 bool DiscoveredDevices::admit(const Uuid& id, SteadyTime now, bool isThrottled) {
@@ -106,7 +106,7 @@ std::size_t DiscoveredDevices::update(const BluetoothAdvertisement& advertisemen
     const auto place = known.value_or(m_scan.devices.size());
     if (!known) {
         m_scan.devices.push_back({.id = advertisement.peripheral});
-        m_scan.receptions.push_back({now, BluetoothProximityEstimator(maximumSamples)});
+        m_scan.receptions.push_back({now, now, BluetoothProximityEstimator(maximumSamples)});
         m_scan.index.insert(advertisement.peripheral, place);
     }
 
@@ -122,6 +122,7 @@ std::size_t DiscoveredDevices::update(const BluetoothAdvertisement& advertisemen
         device.sampleCount = snapshot->sampleCount;
     }
     device.lastSeen = date;
+    m_scan.receptions[place].heardAt = now;
     return place;
 }
 

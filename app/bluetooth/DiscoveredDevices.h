@@ -29,8 +29,8 @@ public:
     /// The place of a device in `list()`.
     [[nodiscard]] std::optional<std::size_t> placeOf(const Uuid& id) const { return m_scan.placeOf(id); }
     [[nodiscard]] const DiscoveredTracker* find(const Uuid& id) const;
-    /// When the latest advertisement of a listed device was processed.
-    [[nodiscard]] std::optional<SteadyTime> processedAt(const Uuid& id) const;
+    /// `lastSeen` of a listed device, in time that no clock setting moves.
+    [[nodiscard]] std::optional<SteadyTime> heardAt(const Uuid& id) const;
 
     /// Whether an advertisement is to be processed, which is then noted. A throttled device is processed
     /// every 2 s at most, also across `clear`.
@@ -43,7 +43,8 @@ public:
 
 private:
     struct Reception {
-        SteadyTime processedAt{};
+        SteadyTime processedAt{}; ///< also an advertisement without a reading
+        SteadyTime heardAt{};     ///< with a reading
         BluetoothProximityEstimator estimator;
     };
     struct Scan {
