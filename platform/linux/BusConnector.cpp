@@ -60,8 +60,18 @@ void BusConnector::openNow() {
     startThread();
 }
 
+QDBusConnection BusConnector::busWithin(std::chrono::milliseconds limit) {
+    openNow();
+    if (!m_isOpening)
+        return m_bus;
+    std::unique_lock lock(m_life->mutex);
+    m_life->ended.wait_for(lock, limit, [this] { return m_life->bus.has_value(); });
+    return m_life->bus.value_or(noBus());
+}
+
 void BusConnector::startThread() {
     m_isOpening = true;
+    forgetResult();
     auto end = [this, life = m_life](const QDBusConnection& bus) {
         if (!life->isOver)
             openingEnded(bus);
@@ -70,6 +80,8 @@ void BusConnector::startThread() {
         m_opener.start([openBus = m_openBus, &mainThread = m_mainThread, life = m_life, end] {
             auto bus = openBus();
             const std::scoped_lock lock(life->mutex);
+            life->bus = bus;
+            life->ended.notify_all();
             if (!life->isOver)
                 mainThread.post([end, bus] { end(bus); });
         });
@@ -79,6 +91,7 @@ void BusConnector::startThread() {
 
 void BusConnector::openingEnded(const QDBusConnection& bus) {
     m_isOpening = false;
+    forgetResult();
     m_bus = bus;
     // Listening comes before the look at the connection, so that no loss falls between the two.
     const bool listens = m_bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
@@ -92,6 +105,12 @@ void BusConnector::openingEnded(const QDBusConnection& bus) {
     }
     m_retry = firstRetry;
     Q_EMIT opened();
+}
+
+/// As long as anyone keeps a bus, it stays open.
+void BusConnector::forgetResult() {
+    const std::scoped_lock lock(m_life->mutex);
+    m_life->bus.reset();
 }
 
 void BusConnector::disconnected() {

@@ -9,9 +9,11 @@
 #include <QDBusConnection>
 #include <QObject>
 
+#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 namespace nightjar {
 
@@ -37,6 +39,9 @@ public:
     [[nodiscard]] bool isConnected() const { return m_bus.isConnected(); }
     /// Unconnected unless open.
     [[nodiscard]] const QDBusConnection& bus() const { return m_bus; }
+    /// The same for a caller who cannot be told later: opens the bus at once and waits for it without running
+    /// the event loop. `opened` and the others come afterwards as usual.
+    [[nodiscard]] QDBusConnection busWithin(std::chrono::milliseconds limit);
 
     /// $DBUS_SYSTEM_BUS_ADDRESS as it is now, else the usual place.
     [[nodiscard]] static QDBusConnection openSystemBus();
@@ -57,11 +62,14 @@ private:
     /// Shared with the opening thread, which may outlive us.
     struct Life {
         std::mutex mutex;
-        bool isOver = false; ///< written on the main thread, under the mutex
+        std::condition_variable ended;
+        std::optional<QDBusConnection> bus; ///< what the latest opening came to; guarded
+        bool isOver = false;                ///< guarded; written on the main thread only
     };
 
     void startThread();
     void openingEnded(const QDBusConnection& bus);
+    void forgetResult();
     void tryAgainLater();
     void close();
 

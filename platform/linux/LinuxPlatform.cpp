@@ -32,7 +32,7 @@ LinuxPlatform::LinuxPlatform()
       m_text(IcuTextServices::systemLocale(m_host)),
       m_location(m_systemBus, m_scheduler, NotificationSettings().desktopEntry),
       m_sound(m_player, BundledSounds::folderBeside(QCoreApplication::applicationDirPath().toStdString())),
-      m_wake(m_systemBus) {}
+      m_wake(m_systemBus), m_messages(m_systemBus, m_sessionBus) {}
 
 PlatformServices LinuxPlatform::services() {
     return {.host = m_host,

@@ -11,6 +11,7 @@
 #include "platform/linux/IcuTextServices.h"
 #include "platform/linux/JsonFilePreferences.h"
 #include "platform/linux/LinuxHostEnvironment.h"
+#include "platform/linux/LinuxMessageTransport.h"
 #include "platform/linux/LogindWakeMonitor.h"
 #include "platform/linux/QtMainThread.h"
 #include "platform/linux/QtScheduler.h"
@@ -43,7 +44,7 @@ private:
     GeoclueLocationSource m_location;
     BundledSounds m_sound;
     LogindWakeMonitor m_wake;
-    AbsentMessages m_messages;
+    LinuxMessageTransport m_messages;
 };
 
 } // namespace nightjar

@@ -14,12 +14,14 @@
 namespace nightjar {
 
 ScriptedService::ScriptedService(QDBusConnection bus, const QString& name, const QString& root)
-    : m_bus(std::move(bus)) {
+    : m_bus(std::move(bus)), m_name(name) {
     EXPECT_TRUE(m_bus.registerVirtualObject(root, this, QDBusConnection::SubPath));
     EXPECT_TRUE(m_bus.registerService(name));
 }
 
 ScriptedService::~ScriptedService() {
+    // Waits until the name is free for the next one.
+    m_bus.unregisterService(m_name);
     QDBusConnection::disconnectFromBus(m_bus.name());
 }
 
@@ -86,6 +88,27 @@ bool ScriptedService::handleMessage(const QDBusMessage& call, const QDBusConnect
     if (const auto reply = answer(call); reply.type() != QDBusMessage::InvalidMessage)
         connection.send(reply);
     return true;
+}
+
+ServiceThread::ServiceThread() {
+    m_worker.moveToThread(&m_thread);
+    m_thread.start();
+}
+
+ServiceThread::~ServiceThread() {
+    m_thread.quit();
+    m_thread.wait();
+}
+
+ServiceThread::Service ServiceThread::take(std::unique_ptr<ScriptedService> service) {
+    service->moveToThread(&m_thread);
+    return {service.release(), Remove{this}};
+}
+
+/// There, because it may be answering.
+void ServiceThread::Remove::operator()(ScriptedService* service) const {
+    QMetaObject::invokeMethod(
+        &thread->m_worker, [service] { delete service; }, Qt::BlockingQueuedConnection);
 }
 
 } // namespace nightjar

@@ -5,9 +5,11 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
+#include <QThread>
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -47,9 +49,30 @@ public:
 
 private:
     QDBusConnection m_bus;
+    QString m_name;
     mutable std::mutex m_mutex;
     std::map<std::string, Answer> m_answers; ///< guarded by m_mutex
     std::vector<QDBusMessage> m_calls;       ///< guarded by m_mutex
+};
+
+/// A thread for services that are waited for on the test's own. They go before it.
+class ServiceThread {
+public:
+    struct Remove {
+        ServiceThread* thread = nullptr;
+        void operator()(ScriptedService* service) const;
+    };
+    using Service = std::unique_ptr<ScriptedService, Remove>;
+
+    ServiceThread();
+    ~ServiceThread();
+
+    /// The service answers on the thread from here on.
+    [[nodiscard]] Service take(std::unique_ptr<ScriptedService> service);
+
+private:
+    QThread m_thread;
+    QObject m_worker; ///< lives on the thread
 };
 
 } // namespace nightjar

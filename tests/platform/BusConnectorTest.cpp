@@ -109,6 +109,31 @@ TEST_F(BusConnectorTest, waitsTwiceAsLongAfterEachFailureUpToALimit) {
     EXPECT_TRUE(runEventsUntil([&] { return told->ends_with("lf"); })) << "the wait began anew";
 }
 
+TEST_F(BusConnectorTest, canBeWaitedForWithoutAnEventLoop) {
+    PrivateBus bus;
+    BusConnector connector(mainThread, scheduler, [&] { return bus.connect(); });
+    const auto told = record(connector);
+    const auto opened = connector.busWithin(10s);
+
+    EXPECT_TRUE(opened.isConnected());
+    EXPECT_EQ(*told, "") << "that comes later";
+    ASSERT_TRUE(runEventsUntil([&] { return *told == "o"; }));
+    EXPECT_EQ(connector.busWithin(0s).name(), opened.name());
+    EXPECT_EQ(connector.bus().name(), opened.name());
+}
+
+TEST_F(BusConnectorTest, isNotWaitedForLongerThanWanted) {
+    std::promise<void> release;
+    BusConnector hanging(mainThread, scheduler, busThatWaitsFor(release));
+    EXPECT_FALSE(hanging.busWithin(1ms).isConnected());
+    release.set_value();
+
+    BusConnector failing(mainThread, scheduler, noBus);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(failing.busWithin(10min).isConnected());
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 20s) << "a failure is known at once";
+}
+
 TEST_F(BusConnectorTest, findsTheBusesWhereTheEnvironmentSays) {
     PrivateBus bus;
     const Environment set({{"DBUS_SESSION_BUS_ADDRESS", bus.address().toStdString()},
