@@ -30,9 +30,11 @@ LinuxPlatform::LinuxPlatform()
       m_sessionBus(m_mainThread, m_scheduler, BusConnector::openSessionBus),
       m_notifications(m_sessionBus, withSound(m_alertSound)),
       m_text(IcuTextServices::systemLocale(m_host)),
+      m_bluetooth(m_systemBus, m_scheduler),
       m_location(m_systemBus, m_scheduler, NotificationSettings().desktopEntry),
       m_sound(m_player, BundledSounds::folderBeside(QCoreApplication::applicationDirPath().toStdString())),
-      m_wake(m_systemBus), m_messages(m_systemBus, m_sessionBus) {}
+      m_wake(m_systemBus),
+      m_messages(m_systemBus, m_sessionBus) {}
 
 PlatformServices LinuxPlatform::services() {
     return {.host = m_host,

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "platform/PlatformServices.h"
-#include "platform/linux/AbsentServices.h"
 #include "platform/linux/AlertSound.h"
+#include "platform/linux/BluezCentral.h"
 #include "platform/linux/BundledSounds.h"
 #include "platform/linux/BusConnector.h"
 #include "platform/linux/GeoclueLocationSource.h"
@@ -40,7 +40,7 @@ private:
     BusConnector m_sessionBus;
     SessionNotificationCenter m_notifications;
     IcuTextServices m_text;
-    AbsentBluetooth m_bluetooth;
+    BluezCentral m_bluetooth;
     GeoclueLocationSource m_location;
     BundledSounds m_sound;
     LogindWakeMonitor m_wake;

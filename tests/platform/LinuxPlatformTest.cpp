@@ -22,17 +22,44 @@ TEST(LinuxPlatform, startsAndPostsWithoutWaitingForAFrozenBus) {
     FakeNotificationDaemon daemon(bus.connect(), {QStringLiteral("body")});
     QTemporaryDir folder;
     const Environment set({{"XDG_CONFIG_HOME", folder.path().toStdString()},
-                           {"DBUS_SESSION_BUS_ADDRESS", bus.address().toStdString()}});
+                           {"DBUS_SESSION_BUS_ADDRESS", bus.address().toStdString()},
+                           {"DBUS_SYSTEM_BUS_ADDRESS", bus.address().toStdString()},
+                           {"PULSE_SERVER", "unix:/nonexistent"},
+                           {"ALSA_CONFIG_PATH", "/nonexistent"}});
     bus.freeze();
     const auto start = std::chrono::steady_clock::now();
     LinuxPlatform platform;
-    platform.services().notifications.requestPermission();
-    platform.services().notifications.post({.identifier = "n", .title = "Title", .body = "Body"});
+    const auto services = platform.services();
+    services.notifications.requestPermission();
+    services.notifications.post({.identifier = "n", .title = "Title", .body = "Body"});
+    services.bluetooth.setListener({});
+    services.bluetooth.scan();
+    services.location.requestWhenInUseAuthorization();
+    services.location.requestLocation();
+    services.wake.setListener([] {});
+    services.wake.check();
+    services.sound.play("Tink");
     const auto took = std::chrono::steady_clock::now() - start;
     bus.thaw();
 
     EXPECT_LT(took, 2s) << "a bus that hangs is waited for 25 seconds by careless calls";
     EXPECT_TRUE(runEventsUntil([&] { return daemon.calls.size() == 1; }));
+}
+
+TEST(LinuxPlatform, aTextMessageWaitsForAFrozenBusUpToALimit) {
+    PrivateBus bus;
+    const Environment set({{"DBUS_SESSION_BUS_ADDRESS", bus.address().toStdString()},
+                           {"DBUS_SYSTEM_BUS_ADDRESS", bus.address().toStdString()}});
+    LinuxPlatform platform;
+    bus.freeze();
+    const auto start = std::chrono::steady_clock::now();
+    const auto sent =
+        platform.services().messages.send({.recipient = "+31612345678", .text = "Hello", .script = ""});
+    const auto took = std::chrono::steady_clock::now() - start;
+    bus.thaw();
+
+    EXPECT_FALSE(sent.has_value());
+    EXPECT_LT(took, 20s);
 }
 
 TEST(LinuxPlatform, keepsTheSettingsInTheConfigurationFolder) {
