@@ -3,9 +3,12 @@
 #include "platform/linux/IcuTextServices.h"
 
 #include "platform/simulated/SimulatedHostEnvironment.h"
+#include "tests/support/Environment.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <iostream>
 #include <map>
 #include <vector>
 
@@ -83,6 +86,34 @@ TEST(IcuTextServices, theLocaleIsTheFirstThatIsSet) {
         for (const auto& [name, value] : variables)
             host.setEnvironmentVariable(name, value);
         EXPECT_EQ(IcuTextServices::systemLocale(host), locale);
+    }
+}
+
+/// In a process of its own each, because the locale of the system is read once.
+TEST(IcuTextServicesDeathTest, timesOfDayAreShortInEveryLocale) {
+    struct Case {
+        const char* locale;
+        const char* time;
+    };
+    const Case cases[] = {
+        {"C", "^00:07 14:05$"},
+        {"C.UTF-8", "^00:07 14:05$"},
+        {"POSIX", "^00:07 14:05$"},
+        {"de_DE.UTF-8", "^00:07 14:05$"},
+        {"fi_FI.UTF-8", "^0\\.07 14\\.05$"},
+        {"en_US.UTF-8", "^12:07.{1,3}AM 2:05.{1,3}PM$"},
+    };
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    for (const auto& [locale, time] : cases) {
+        const Environment set({{"LC_ALL", locale}, {"TZ", "HERE-5:30"}});
+        const auto print = [] {
+            // 18:37:59 and 08:35:00 UTC, five and a half hours earlier than there.
+            const IcuTextServices text("");
+            std::cerr << text.shortTimeOfDay(dateFromUnixSeconds(1'700'073'479)) << ' '
+                      << text.shortTimeOfDay(dateFromUnixSeconds(1'700'123'700)) << std::flush;
+            std::_Exit(0);
+        };
+        EXPECT_EXIT(print(), ::testing::ExitedWithCode(0), time) << locale;
     }
 }
 
