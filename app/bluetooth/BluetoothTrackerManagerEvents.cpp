@@ -25,6 +25,7 @@ constexpr auto catchUp = 1s;
 } // namespace
 
 void BluetoothTrackerManager::centralManagerDidUpdateState() {
+    m_firstState.cancel();
     auto generation = m_scan.generation();
     const bool isOn = isPoweredOn();
     if (!isOn && isScanning()) {
@@ -62,7 +63,7 @@ void BluetoothTrackerManager::didDiscover(const BluetoothAdvertisement& advertis
     const Uuid id = advertisement.peripheral;
     const int rssi = advertisement.rssi;
     const auto now = m_platform.scheduler.steadyNow();
-    if (!m_devices.admit(id, now, !isFinding()) || !BluetoothProximityEstimator::accepts(rssi))
+    if (!m_devices.admit(advertisement, now, !isFinding()) || !BluetoothProximityEstimator::accepts(rssi))
         return;
 
     const auto generation = m_scan.generation();

@@ -64,7 +64,8 @@ std::optional<SteadyTime> DiscoveredDevices::heardAt(const Uuid& id) const {
     return placeOf(id).transform([this](std::size_t place) { return m_scan.receptions[place].heardAt; });
 }
 
-bool DiscoveredDevices::admit(const Uuid& id, SteadyTime now, bool isThrottled) {
+bool DiscoveredDevices::admit(const BluetoothAdvertisement& advertisement, SteadyTime now, bool isThrottled) {
+    const Uuid& id = advertisement.peripheral;
     if (const auto place = placeOf(id)) {
         auto& processedAt = m_scan.receptions[*place].processedAt;
         if (isThrottled && now - processedAt < throttle)
@@ -74,7 +75,8 @@ bool DiscoveredDevices::admit(const Uuid& id, SteadyTime now, bool isThrottled) 
     }
     if (isThrottled && wasProcessedUnlisted(id, now))
         return false;
-    noteUnlisted(id, now);
+    if (!BluetoothProximityEstimator::accepts(advertisement.rssi))
+        noteUnlisted(id, now);
     return true;
 }
 

@@ -34,8 +34,9 @@ public:
 
     /// Whether an advertisement is to be processed, which is then noted. A throttled device is processed
     /// every 2 s at most, also across `clear`.
-    [[nodiscard]] bool admit(const Uuid& id, SteadyTime now, bool isThrottled);
-    /// Adds the device or renews its record, with a reading that the estimator accepts. Returns its place.
+    [[nodiscard]] bool admit(const BluetoothAdvertisement& advertisement, SteadyTime now, bool isThrottled);
+    /// Adds the device or renews its record. For one that was admitted, with a reading that the estimator
+    /// accepts. Returns its place.
     std::size_t update(const BluetoothAdvertisement& advertisement, SteadyTime now, Date date);
     /// Begins the readings of a device afresh. Returns its place, where it is listed.
     std::optional<std::size_t> restartReadings(const Uuid& id);
@@ -70,7 +71,8 @@ private:
     Scan m_scan;
     std::deque<FormerScan> m_formerScans; ///< oldest first; taken apart a little at a time
     Timer m_disposal;
-    /// Devices processed while not in the list: those since `m_stampsSince`, and of the 2 s or more before.
+    /// Devices processed without a reading while not in the list: those since `m_stampsSince`, and of the 2 s
+    /// or more before.
     Stamps m_stamps;
     Stamps m_olderStamps;
     SteadyTime m_stampsSince{};
