@@ -5,7 +5,7 @@
 
 build_packages="g++ cmake ninja-build libsimdjson-dev libicu-dev libcanberra-dev qt6-base-dev"
 test_packages="libgtest-dev libgmock-dev dbus modemmanager python3"
-bench_packages="libbenchmark-dev"
+bench_packages="libbenchmark-dev dbus"
 
 # Ends with one sentence.
 fail() {
