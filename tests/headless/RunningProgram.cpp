@@ -33,6 +33,7 @@ QProcessEnvironment PrivateHome::environment() const {
     set("NIGHTJAR_DEVICE_FOLDER", path(QStringLiteral("dev")));
     set("HALVARD_MESHTASTIC_BRIDGE_PATH", QStringLiteral(NIGHTJAR_BRIDGE_PROGRAM));
     set("DBUS_SESSION_BUS_ADDRESS", QStringLiteral("unix:path=") + path(QStringLiteral("no-bus")));
+    set("DBUS_SYSTEM_BUS_ADDRESS", QStringLiteral("unix:path=") + path(QStringLiteral("no-bus")));
     return environment;
 }
 
