@@ -94,7 +94,7 @@ TEST_F(LinuxMessageTransportTest, theModemGetsTheTextAsTypedAndForgetsIt) {
     startModemManager(modem(8));
     startKdeConnect({QStringLiteral("phone")});
 
-    EXPECT_EQ(send(), "") << "the first message also opens the buses";
+    EXPECT_EQ(send(), "");
 
     const auto created = modems->calls("Create");
     ASSERT_EQ(created.size(), 1u);
@@ -106,6 +106,20 @@ TEST_F(LinuxMessageTransportTest, theModemGetsTheTextAsTypedAndForgetsIt) {
     EXPECT_EQ(modems->calls("Send")[0].path().toStdString(), "/org/freedesktop/ModemManager1/SMS/3");
     EXPECT_TRUE(runEventsUntil([&] { return modems->count("Delete") == 1; }));
     EXPECT_EQ(phones->count("devices"), 0u);
+}
+
+TEST_F(LinuxMessageTransportTest, theFirstMessageOpensTheBuses) {
+    int opened = 0;
+    QObject::connect(&system, &BusConnector::opened, [&] { ++opened; });
+    startModemManager(modem(8));
+
+    EXPECT_EQ(send(), "");
+    EXPECT_EQ(opened, 0) << "others are told later";
+    const auto used = system.busWithin(0s);
+    EXPECT_TRUE(used.isConnected());
+    ASSERT_TRUE(runEventsUntil([&] { return opened == 1; }));
+    EXPECT_EQ(system.bus().name(), used.name());
+    EXPECT_EQ(system.busWithin(0s).name(), used.name());
 }
 
 TEST_F(LinuxMessageTransportTest, withoutAModemThePhoneGetsIt) {

@@ -109,19 +109,6 @@ TEST_F(BusConnectorTest, waitsTwiceAsLongAfterEachFailureUpToALimit) {
     EXPECT_TRUE(runEventsUntil([&] { return told->ends_with("lf"); })) << "the wait began anew";
 }
 
-TEST_F(BusConnectorTest, canBeWaitedForWithoutAnEventLoop) {
-    PrivateBus bus;
-    BusConnector connector(mainThread, scheduler, [&] { return bus.connect(); });
-    const auto told = record(connector);
-    const auto opened = connector.busWithin(10s);
-
-    EXPECT_TRUE(opened.isConnected());
-    EXPECT_EQ(*told, "") << "that comes later";
-    ASSERT_TRUE(runEventsUntil([&] { return *told == "o"; }));
-    EXPECT_EQ(connector.busWithin(0s).name(), opened.name());
-    EXPECT_EQ(connector.bus().name(), opened.name());
-}
-
 TEST_F(BusConnectorTest, isNotWaitedForLongerThanWanted) {
     std::promise<void> release;
     BusConnector hanging(mainThread, scheduler, busThatWaitsFor(release));
