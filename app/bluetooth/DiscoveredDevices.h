@@ -43,14 +43,18 @@ public:
     void clear();
 
 private:
-    struct Reception {
+    /// What is kept of a device apart from its record: one line of the processor's cache, all that an
+    /// ignored advertisement touches.
+    struct alignas(64) Reception {
+        Uuid id;
         SteadyTime processedAt{}; ///< also an advertisement without a reading
         SteadyTime heardAt{};     ///< with a reading
         BluetoothProximityEstimator estimator;
+        bool hasMadeUpName = false;
     };
     struct Scan {
         [[nodiscard]] std::optional<std::size_t> placeOf(const Uuid& id) const {
-            return index.find(id, [this](std::size_t place) -> const Uuid& { return devices[place].id; });
+            return index.find(id, [this](std::size_t place) -> const Uuid& { return receptions[place].id; });
         }
 
         DiscoveredTrackers devices;
@@ -63,6 +67,8 @@ private:
     };
     using Stamps = std::unordered_map<Uuid, SteadyTime>;
 
+    static void rename(DiscoveredTracker& device, Reception& reception,
+                       const BluetoothAdvertisement& advertisement);
     [[nodiscard]] bool wasProcessedUnlisted(const Uuid& id, SteadyTime now) const;
     void noteUnlisted(const Uuid& id, SteadyTime now);
     void disposeOfFormerScans();

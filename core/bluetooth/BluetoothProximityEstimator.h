@@ -4,10 +4,12 @@
 
 #include "core/bluetooth/BluetoothProximity.h"
 
-#include <cstddef>
+#include <array>
 #include <cstdint>
+#include <memory>
 #include <optional>
-#include <string>
+#include <span>
+#include <vector>
 
 namespace nightjar {
 
@@ -21,26 +23,36 @@ struct BluetoothProximitySnapshot {
     bool operator==(const BluetoothProximitySnapshot&) const = default;
 };
 
-/// Steadies the signal readings of one device and tells whether it comes closer.
+/// Steadies the signal readings of one device and tells whether it comes closer. There may be millions of
+/// them: up to ten readings are held without an allocation.
 class BluetoothProximityEstimator {
 public:
     /// Holds the newest `maximumSamples` readings, but never fewer than 4.
     explicit BluetoothProximityEstimator(int maximumSamples);
+    ~BluetoothProximityEstimator() = default;
+    BluetoothProximityEstimator(const BluetoothProximityEstimator& other);
+    BluetoothProximityEstimator& operator=(const BluetoothProximityEstimator& other);
+    BluetoothProximityEstimator(BluetoothProximityEstimator&&) noexcept = default;
+    BluetoothProximityEstimator& operator=(BluetoothProximityEstimator&&) noexcept = default;
 
     /// Whether a reading says anything: from -127 to -1 dBm.
     [[nodiscard]] static constexpr bool accepts(int rssi) { return rssi >= -127 && rssi <= -1; }
 
-    void reset() { m_values.clear(); }
+    void reset();
     /// Adds a reading in dBm; absent when it is not accepted.
     [[nodiscard]] std::optional<BluetoothProximitySnapshot> add(int rssi);
 
 private:
-    [[nodiscard]] double medianOf(std::size_t first, std::size_t count) const;
-    [[nodiscard]] BluetoothProximityTrend trend(double smoothed) const;
+    using Reading = std::int8_t;
+
+    void append(Reading reading);
+    /// Oldest first.
+    [[nodiscard]] std::span<const Reading> values() const;
 
     std::int32_t m_maximumSamples;
-    /// A byte for each reading, oldest first. The usual ten lie in the string itself, without an allocation.
-    std::string m_values;
+    std::uint8_t m_fewCount = 0;
+    std::array<Reading, 10> m_few{};
+    std::unique_ptr<std::vector<Reading>> m_many; ///< instead, where more may be held
 };
 
 } // namespace nightjar
