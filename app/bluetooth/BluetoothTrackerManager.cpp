@@ -2,9 +2,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/bluetooth/BluetoothTrackerManager.h"
 
+#include <chrono>
+
 namespace nightjar {
 
 namespace {
+
+/// How long Bluetooth may be starting.
+constexpr std::chrono::seconds startPatience{5};
 
 std::optional<std::filesystem::path> fileOf(const HostEnvironment& host) {
     return host.applicationSupportFolder().transform(
@@ -55,13 +60,12 @@ void BluetoothTrackerManager::listen() {
          .onAdvertisement =
              [this](const BluetoothAdvertisement& advertisement) { didDiscover(advertisement); }});
     m_platform.wake.setListener([this] { macDidWake(); });
-    // A radio that is ready already tells of no change.
-    if (m_platform.bluetooth.state() != BluetoothRadioState::unknown) {
-        m_firstState = m_platform.scheduler.after(std::chrono::milliseconds{0}, [this] {
-            if (state() == BluetoothTexts::starting)
-                centralManagerDidUpdateState();
-        });
-    }
+    // A radio that is ready already tells of no change, and where there is no Bluetooth at all nobody does.
+    const bool isKnown = m_platform.bluetooth.state() != BluetoothRadioState::unknown;
+    m_firstState = m_platform.scheduler.after(isKnown ? std::chrono::seconds{0} : startPatience, [this] {
+        if (state() == BluetoothTexts::starting)
+            centralManagerDidUpdateState();
+    });
 }
 
 std::optional<DiscoveredTracker> BluetoothTrackerManager::trackedDevice() const {
@@ -74,11 +78,10 @@ bool BluetoothTrackerManager::isPoweredOn() const {
 }
 
 void BluetoothTrackerManager::saveTrackedDevices() {
-    if (const auto saved = m_file.save(m_tracked.list())) {
-        m_lastTrackedSave = m_platform.scheduler.steadyNow();
-    } else {
+    // A disk that refuses is asked no more often than one that takes.
+    m_lastTrackedSave = m_platform.scheduler.steadyNow();
+    if (const auto saved = m_file.save(m_tracked.list()); !saved)
         report("Could not save the tracked Bluetooth devices: " + saved.error());
-    }
 }
 
 void BluetoothTrackerManager::report(const std::optional<std::string>& failure) {

@@ -165,7 +165,7 @@ private:
     ProximityFinder m_finder;
     LossAlertMonitor m_losses;
     LossAlertDelivery m_delivery;
-    std::optional<SteadyTime> m_lastTrackedSave;
+    std::optional<SteadyTime> m_lastTrackedSave; ///< also one that failed
     SteadyTime m_lastScanRefresh{};
     Timer m_firstState;
     Timer m_scanRefreshTimer;

@@ -24,8 +24,10 @@ protected:
 TEST_F(BluetoothScanTest, theStateOfTheRadioIsNamed) {
     bluetooth.setState(BluetoothRadioState::unknown);
     create();
-    pass(1min);
+    pass(4999ms);
     EXPECT_EQ(state(), "Bluetooth is starting…");
+    pass(1ms);
+    EXPECT_EQ(state(), "Bluetooth is unavailable") << "where there is none, nobody tells of it";
 
     using enum BluetoothRadioState;
     const std::vector<std::pair<BluetoothRadioState, std::string>> rows{

@@ -134,6 +134,9 @@ TEST_F(TrackingTest, aFileThatCannotBeWrittenIsToldOfAndTriedAgain) {
     manager->setErrorMessage({});
     pass(2s);
     hear(keys);
+    EXPECT_EQ(saved(), "nothing") << "not more often than every 5 s";
+    pass(3s);
+    hear(keys);
     EXPECT_EQ(manager->errorMessage(), std::nullopt);
     EXPECT_NE(saved(), "nothing");
 }
