@@ -69,6 +69,7 @@ void BluezCentral::objectsAnswered(const QDBusMessage& answer) {
     settle();
 }
 
+/// No discovery of ours runs yet, so none of these readings, which may be minutes old, is heard.
 void BluezCentral::readObjects(const QDBusMessage& answer) {
     m_knowledge = Knowledge::complete;
     m_wasKnown = true;
@@ -77,9 +78,6 @@ void BluezCentral::readObjects(const QDBusMessage& answer) {
     bluez::readObjects(
         bluez::argumentOf(answer, 0),
         [this](const QString& path, const QDBusArgument& interfaces) { readInterfaces(path, interfaces); });
-    // These readings may be minutes old.
-    for (auto& device : m_devices)
-        device.forgetReading();
     chooseAdapter();
 }
 

@@ -93,7 +93,7 @@ void BluezDevice::set(const QString& property, const QVariant& value) {
 
 void BluezDevice::clear(const QString& property) {
     if (property == QLatin1String("RSSI"))
-        forgetReading();
+        m_advertisement.rssi = BluetoothAdvertisement::noRssi;
     else if (property != QLatin1String("Address"))
         set(property, QVariant());
 }

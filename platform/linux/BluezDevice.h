@@ -31,8 +31,6 @@ public:
     /// A device without a valid address is none.
     [[nodiscard]] bool isValid() const { return m_isValid; }
     [[nodiscard]] const BluetoothAdvertisement& advertisement() const { return m_advertisement; }
-    /// What was read before is not heard now.
-    void forgetReading() { m_advertisement.rssi = BluetoothAdvertisement::noRssi; }
 
 private:
     void setNames();
