@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/linux/FreedesktopNotificationCenter.h"
 
+#include "platform/linux/BusCall.h"
 #include "platform/linux/NotificationText.h"
 
-#include <QDBusPendingCallWatcher>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -28,12 +28,6 @@ QVariantMap hints(NotificationSound sound, const QString& desktopEntry) {
         {QStringLiteral("sound-name"),
          critical ? QStringLiteral("alarm-clock-elapsed") : QStringLiteral("message-new-instant")},
     };
-}
-
-/// The bus found nobody to hand the call to.
-bool isNobodyThere(const QDBusMessage& answer) {
-    return answer.errorName() == QLatin1String("org.freedesktop.DBus.Error.ServiceUnknown") ||
-           answer.errorName() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
 }
 
 } // namespace
@@ -205,26 +199,19 @@ void FreedesktopNotificationCenter::notificationClosed(const QDBusMessage& signa
 
 void FreedesktopNotificationCenter::call(const QString& destination, const QString& method,
                                          const QVariantList& arguments, Answered answered) {
-    auto message = QDBusMessage::createMethodCall(destination, path, interface, method);
-    message.setArguments(arguments);
-    const QDBusPendingCall pending =
-        m_bus.asyncCall(message, static_cast<int>(m_settings.answerTimeout.count()));
     ++m_callsUnderWay;
-    auto finish = [this, answered = std::move(answered)](const QDBusMessage& answer) {
-        --m_callsUnderWay;
-        answered(answer);
-    };
-    if (!m_bus.isConnected()) {
-        // The call is empty then, and a watcher of it would wait for ever.
-        QMetaObject::invokeMethod(
-            this, [finish] { finish(QDBusMessage()); }, Qt::QueuedConnection);
-        return;
-    }
-    auto* watcher = new QDBusPendingCallWatcher(pending, this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [finish](QDBusPendingCallWatcher* done) {
-        done->deleteLater();
-        finish(done->reply());
-    });
+    callLater(m_bus, *this,
+              {.service = destination,
+               .path = path,
+               .interface = interface,
+               .method = method,
+               .arguments = arguments,
+               .limit = m_settings.answerTimeout,
+               .startsService = true},
+              [this, answered = std::move(answered)](const QDBusMessage& answer) {
+                  --m_callsUnderWay;
+                  answered(answer);
+              });
 }
 
 } // namespace nightjar

@@ -15,8 +15,6 @@
 #include <optional>
 #include <vector>
 
-class QDBusPendingCall;
-
 namespace nightjar {
 
 /// How the program appears in its notifications.

@@ -127,8 +127,9 @@ void GeoclueClient::created(const QDBusMessage& answer) {
 
 void GeoclueClient::start() {
     // Without the sender's name: given one, Qt asks the bus for its owner and waits for the answer.
-    m_bus.connect(QString(), m_path, clientInterface, QStringLiteral("LocationUpdated"), this,
-                  SLOT(locationUpdated(QDBusMessage)));
+    if (!m_bus.connect(QString(), m_path, clientInterface, QStringLiteral("LocationUpdated"), this,
+                       SLOT(locationUpdated(QDBusMessage))))
+        return endWith({.kind = Failure::Kind::temporary});
     set("DesktopId", m_settings.desktopId);
     set("DistanceThreshold", m_settings.distanceThreshold);
     set("RequestedAccuracyLevel", accuracyLevelExact);

@@ -65,6 +65,7 @@ void LogindWakeMonitor::tell() {
 }
 
 void LogindWakeMonitor::listen() {
+    // Should it be in vain, the clocks still tell.
     QDBusConnection bus = m_bus.bus();
     bus.connect(busService, busPath, busService, QStringLiteral("NameOwnerChanged"), {service}, QString(),
                 this, SLOT(nameOwnerChanged(QDBusMessage)));

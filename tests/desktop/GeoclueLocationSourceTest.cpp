@@ -1,123 +1,17 @@
 // SPDX-FileCopyrightText: Nightjar contributors
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/linux/GeoclueLocationSource.h"
+#include "tests/desktop/GeoclueRig.h"
 
-#include "platform/linux/QtMainThread.h"
-#include "platform/simulated/FakeScheduler.h"
-#include "tests/desktop/ScriptedService.h"
-#include "tests/platform/PrivateBus.h"
-#include "tests/support/EventLoop.h"
-
-#include <QDBusArgument>
-#include <QDBusMetaType>
-#include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <gtest/gtest.h>
-
 #include <limits>
-
-namespace nightjar {
-
-/// The service's time of a location.
-struct Stamp {
-    quint64 seconds = 0;
-    quint64 microseconds = 0;
-};
-
-QDBusArgument& operator<<(QDBusArgument& argument, const Stamp& stamp) {
-    argument.beginStructure();
-    argument << stamp.seconds << stamp.microseconds;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, Stamp& stamp) {
-    argument.beginStructure();
-    argument >> stamp.seconds >> stamp.microseconds;
-    argument.endStructure();
-    return argument;
-}
-
-} // namespace nightjar
-Q_DECLARE_METATYPE(nightjar::Stamp)
 
 namespace nightjar {
 namespace {
 
-using namespace std::chrono_literals;
-
-const auto serviceName = QStringLiteral("org.freedesktop.GeoClue2");
-const auto clientPath = QStringLiteral("/org/freedesktop/GeoClue2/Client/7");
-const auto clientInterface = QStringLiteral("org.freedesktop.GeoClue2.Client");
-const auto locationPath = QStringLiteral("/org/freedesktop/GeoClue2/Client/7/Location/1");
-const auto accessDenied = QStringLiteral("org.freedesktop.DBus.Error.AccessDenied");
-
-const QVariantMap amsterdam{{QStringLiteral("Latitude"), 52.37},
-                            {QStringLiteral("Longitude"), 4.9},
-                            {QStringLiteral("Accuracy"), 25.0}};
-
-/// As `amsterdam`, with one property replaced, or without it.
-QVariantMap amsterdamBut(const char* property, const QVariant& value = {}) {
-    auto properties = amsterdam;
-    if (value.isValid())
-        properties[QString::fromLatin1(property)] = value;
-    else
-        properties.remove(QString::fromLatin1(property));
-    return properties;
-}
-
-class GeoclueLocationSourceTest : public ::testing::Test {
-protected:
-    GeoclueLocationSourceTest() {
-        qDBusRegisterMetaType<Stamp>();
-        source.setListener(
-            {.onAuthorizationChanged = [this] { authorizations.push_back(source.authorization()); },
-             .onFixes = [this](const auto& heard) { fixes.insert(fixes.end(), heard.begin(), heard.end()); },
-             .onError = [this](const auto& error) { errors.push_back(error); }},
-            LocationSource::Wishes{.distanceFilter = 50});
-    }
-
-    void startService() {
-        service.reset();
-        service =
-            std::make_unique<ScriptedService>(bus.connect(), serviceName, QStringLiteral("/org/freedesktop"));
-        service->on("CreateClient", {QVariant::fromValue(QDBusObjectPath(clientPath))});
-        for (const char* method : {"Set", "Start", "Stop", "DeleteClient"})
-            service->on(method, QVariantList());
-        service->on("GetAll", {amsterdam});
-    }
-
-    void tellOfLocation() { tellOfLocation(*service); }
-    void tellOfLocation(ScriptedService& sender) {
-        sender.tell(clientPath, clientInterface, QStringLiteral("LocationUpdated"),
-                    {QVariant::fromValue(QDBusObjectPath(QStringLiteral("/"))),
-                     QVariant::fromValue(QDBusObjectPath(locationPath))});
-    }
-
-    bool isCalled(const char* method, std::size_t times = 1) {
-        return runEventsUntil([&] { return service->count(method) >= times; });
-    }
-    /// The service has been told to forget the client, and everything before that has been worked off.
-    bool isClosed(std::size_t times = 1) { return isCalled("DeleteClient", times); }
-    bool isAuthorized() {
-        source.requestWhenInUseAuthorization();
-        return runEventsUntil(
-            [&] { return source.authorization() == LocationAuthorization::authorizedAlways; });
-    }
-
-    PrivateBus bus;
-    std::unique_ptr<ScriptedService> service;
-    QtMainThread mainThread;
-    FakeScheduler scheduler;
-    BusConnector connector{mainThread, scheduler, [this] { return bus.connect(); }};
-    GeoclueLocationSource source{connector, scheduler, QStringLiteral("nightjar")};
-    std::vector<LocationAuthorization> authorizations;
-    std::vector<LocationFix> fixes;
-    std::vector<LocationError> errors;
-};
+using GeoclueLocationSourceTest = GeoclueRig;
 
 TEST_F(GeoclueLocationSourceTest, findsOutAboutAccessAndLeavesTheServiceAlone) {
     startService();
@@ -148,7 +42,7 @@ TEST_F(GeoclueLocationSourceTest, tellsTheServiceWhoAsksAndHowFinely) {
 
 TEST_F(GeoclueLocationSourceTest, requestsThatOverlapShareOneFix) {
     startService();
-    auto stamped = amsterdamBut("Timestamp", QVariant::fromValue(Stamp{1'700'000'000, 500'000}));
+    auto stamped = amsterdamBut("Timestamp", QVariant::fromValue(GeoclueStamp{1'700'000'000, 500'000}));
     service->on("GetAll", {stamped});
     source.requestLocation();
     source.requestLocation();
@@ -230,7 +124,7 @@ TEST_F(GeoclueLocationSourceTest, onlyTheServiceItselfIsBelieved) {
     ASSERT_TRUE(isCalled("Start"));
     ScriptedService stranger(bus.connect(), QStringLiteral("org.example.Stranger"), QStringLiteral("/org"));
     tellOfLocation(stranger);
-    service->tell(clientPath, clientInterface, QStringLiteral("LocationUpdated"),
+    service->tell(geoclueClient, geoclueClientInterface, QStringLiteral("LocationUpdated"),
                   {QStringLiteral("no path")});
     tellOfLocation();
     ASSERT_TRUE(isClosed());
@@ -238,113 +132,14 @@ TEST_F(GeoclueLocationSourceTest, onlyTheServiceItselfIsBelieved) {
     EXPECT_EQ(service->count("GetAll"), 1u);
 }
 
-TEST_F(GeoclueLocationSourceTest, whatGoesWrongIsToldAsWhatItIs) {
-    struct Case {
-        const char* method;
-        QString error;
-        LocationAuthorization authorization;
-        bool isTemporary;
-        const char* text;
-    };
-    using enum LocationAuthorization;
-    const auto failed = QStringLiteral("org.freedesktop.DBus.Error.Failed");
-    const Case cases[] = {
-        {"CreateClient", accessDenied, denied, true, ""},
-        {"Start", accessDenied, denied, true, ""},
-        {"Set", accessDenied, denied, true, ""},
-        {"CreateClient", QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown"), denied, true, ""},
-        {"Start", QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown"), notDetermined, true, ""},
-        {"CreateClient", QStringLiteral("org.freedesktop.DBus.Error.NoReply"), notDetermined, true, ""},
-        {"Start", failed, notDetermined, false, "The antenna is wet"},
-        {"CreateClient", failed, notDetermined, false, "The antenna is wet"},
-    };
-    for (const auto& expected : cases) {
-        startService();
-        service->refuse(expected.method, expected.error, QStringLiteral("The antenna is wet"));
-        GeoclueLocationSource fresh(connector, scheduler, QStringLiteral("nightjar"));
-        std::vector<LocationError> told;
-        fresh.setListener({.onError = [&](const auto& error) { told.push_back(error); }}, {});
-        fresh.requestWhenInUseAuthorization();
-        fresh.requestLocation();
-
-        ASSERT_TRUE(runEventsUntil([&] { return !told.empty(); })) << expected.method;
-        EXPECT_EQ(told[0].isTemporary, expected.isTemporary) << expected.method;
-        EXPECT_EQ(told[0].description, expected.text);
-        EXPECT_EQ(fresh.authorization(), expected.authorization) << expected.method;
-        EXPECT_EQ(scheduler.armedTimers(), 0u);
-    }
-}
-
-TEST_F(GeoclueLocationSourceTest, aMissingServiceCountsAsDenied) {
-    source.requestWhenInUseAuthorization();
-    ASSERT_TRUE(runEventsUntil([&] { return !authorizations.empty(); }));
-
-    EXPECT_EQ(authorizations, std::vector{LocationAuthorization::denied});
-    EXPECT_TRUE(errors.empty());
-}
-
 TEST_F(GeoclueLocationSourceTest, theBusMayStartTheService) {
     // It never takes the name: that the command runs is enough.
     QTemporaryDir folder;
     const auto mark = folder.filePath(QStringLiteral("started"));
-    bus.makeActivatable(serviceName, QStringLiteral("/bin/sh -c \"touch %1\"").arg(mark));
+    bus.makeActivatable(geoclueService, QStringLiteral("/bin/sh -c \"touch %1\"").arg(mark));
     source.requestWhenInUseAuthorization();
 
     EXPECT_TRUE(runEventsUntil([&] { return QFile::exists(mark); }));
-}
-
-TEST_F(GeoclueLocationSourceTest, aSilentServiceIsGivenUp) {
-    startService();
-    service->staySilent("CreateClient");
-    source.requestLocation();
-    ASSERT_TRUE(isCalled("CreateClient"));
-    scheduler.advance(GeoclueLocationSource::fixLimit);
-
-    ASSERT_EQ(errors.size(), 1u);
-    EXPECT_TRUE(errors[0].isTemporary);
-
-    service->on("CreateClient", {QVariant::fromValue(QDBusObjectPath(clientPath))});
-    source.requestLocation();
-    ASSERT_TRUE(isCalled("Start"));
-    tellOfLocation();
-    EXPECT_TRUE(isClosed());
-    EXPECT_EQ(fixes.size(), 1u) << "what was silent once is asked again";
-}
-
-TEST_F(GeoclueLocationSourceTest, aClientThatIsMadeTooLateIsClearedAway) {
-    startService();
-    QDBusMessage waiting;
-    service->on("CreateClient", [&](const QDBusMessage& call) {
-        waiting = call;
-        return QDBusMessage();
-    });
-    source.requestLocation();
-    ASSERT_TRUE(isCalled("CreateClient"));
-    source.stopUpdatingLocation();
-    service->answer(waiting.createReply(QVariant::fromValue(QDBusObjectPath(clientPath))));
-
-    ASSERT_TRUE(isClosed());
-    EXPECT_EQ(service->count("Start"), 0u);
-    scheduler.advance(GeoclueLocationSource::fixLimit);
-    EXPECT_TRUE(errors.empty()) << "nobody waits for it any more";
-}
-
-TEST_F(GeoclueLocationSourceTest, aServiceOrBusThatGoesEndsTheRequest) {
-    startService();
-    source.requestLocation();
-    ASSERT_TRUE(isCalled("Start"));
-    service.reset();
-    ASSERT_TRUE(runEventsUntil([&] { return errors.size() == 1; }));
-
-    startService();
-    source.requestLocation();
-    ASSERT_TRUE(isCalled("Start"));
-    bus.end();
-    ASSERT_TRUE(runEventsUntil([&] { return errors.size() == 2; }));
-
-    EXPECT_TRUE(errors[0].isTemporary);
-    EXPECT_TRUE(errors[1].isTemporary);
-    EXPECT_EQ(source.authorization(), LocationAuthorization::authorizedAlways) << "nobody took it back";
 }
 
 } // namespace
