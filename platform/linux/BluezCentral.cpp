@@ -33,6 +33,10 @@ void BluezCentral::scan() {
 }
 
 void BluezCentral::stopScan() {
+    // With the state the scan has ended already; what goes on is ours, to find out when the radio works
+    // again.
+    if (m_state != BluetoothRadioState::poweredOn)
+        return;
     m_discovery.unwant();
     m_daemon.setWatched(false);
 }

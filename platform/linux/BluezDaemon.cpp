@@ -100,6 +100,8 @@ bool BluezDaemon::accepts(const QDBusMessage& signal, const char* signature) {
     if (m_owner.isEmpty() || signal.service() != m_owner)
         return false;
     m_lastHeard = m_scheduler.steadyNow();
+    if (m_hangs && !m_isPinging)
+        ping();
     return !m_hangs && signal.signature() == QLatin1String(signature);
 }
 

@@ -97,7 +97,10 @@ void BluezDiscovery::start() {
 void BluezDiscovery::filterAnswered(const QDBusMessage& answer) {
     if (isError(answer))
         return failed(answer.errorName());
-    call(startDiscovery, {}, &BluezDiscovery::startAnswered);
+    if (m_wish == Wish::none)
+        m_session = Session::none;
+    else
+        call(startDiscovery, {}, &BluezDiscovery::startAnswered);
 }
 
 void BluezDiscovery::startAnswered(const QDBusMessage& answer) {

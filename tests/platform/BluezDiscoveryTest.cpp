@@ -134,19 +134,21 @@ TEST_F(BluezDiscoveryTest, afterTroubleTheRadioRestsUnlessSomebodyScans) {
     EXPECT_TRUE(runEventsUntil([&] { return sessions() == 0; }));
 }
 
-TEST_F(BluezDiscoveryTest, aScanThatIsStoppedInTroubleIsTriedNoMore) {
+TEST_F(BluezDiscoveryTest, aScanThatIsStoppedBeforeItsTroubleIsToldIsTriedNoMore) {
+    settings.stateDebounce = 400ms;
     scanOnOneAdapter();
-    scansWhenPowered = false;
     tell("fail StartDiscovery org.bluez.Error.Failed");
     tell("endDiscovery hci0");
-    ASSERT_TRUE(comesTo(resetting));
+    ASSERT_TRUE(callsReach("StartDiscovery", 4));
 
     central->stopScan();
-    EXPECT_EQ(central->state(), resetting) << "no news inside the call";
     const int starts = calls("StartDiscovery");
+    bool later = false;
+    const auto timer = scheduler.after(settings.stateDebounce * 2, [&] { later = true; });
+    ASSERT_TRUE(runEventsUntil([&] { return later; }));
 
-    EXPECT_TRUE(comesTo(poweredOn));
-    EXPECT_EQ(calls("StartDiscovery"), starts);
+    EXPECT_EQ(central->state(), poweredOn);
+    EXPECT_LE(calls("StartDiscovery"), starts + 1) << "one may have been under way";
 }
 
 TEST_F(BluezDiscoveryTest, aRefusalIsToldAndAskedAboutAgain) {

@@ -170,6 +170,18 @@ TEST_F(BluezStateTest, aFrozenDaemonIsNoticedAndTheScanBeginsAnewWhenItThaws) {
     EXPECT_EQ(sessions(), 1);
 }
 
+TEST_F(BluezStateTest, aThawedDaemonThatSpeaksIsBelievedAtOnce) {
+    noticeHangingSoon();
+    settings.pingPause = 60s;
+    scanOnOneAdapter();
+
+    daemon->freeze();
+    ASSERT_TRUE(comesTo(resetting));
+    daemon->thaw();
+
+    EXPECT_TRUE(hears(-60));
+}
+
 TEST_F(BluezStateTest, aFrozenDaemonIsReplacedByTheNext) {
     noticeHangingSoon();
     scanOnOneAdapter();
@@ -261,6 +273,18 @@ TEST_F(BluezStateTest, theChosenAdapterStaysAndTheOtherOneTakesOver) {
     tell("unplug hci1");
 
     EXPECT_TRUE(hearsOn("hci0"));
+}
+
+TEST_F(BluezStateTest, whatAnotherAdapterHearsForAnotherProgramIsNotHeard) {
+    scanOnOneAdapter();
+    tell("adapter hci1");
+    auto other = bus->connect();
+    ASSERT_TRUE(callAdapter(other, "StartDiscovery", "hci1"));
+
+    EXPECT_EQ(tell("adv hci1 C0:00:00:00:00:01 -30"), "added");
+    settle();
+
+    EXPECT_TRUE(heard.empty());
 }
 
 TEST_F(BluezStateTest, anAdapterPulledOutInMidScanLeavesNothingBehind) {

@@ -29,7 +29,9 @@ void BluezWorld::makeCentral() {
         {.onStateChanged =
              [this] {
                  states.push_back(central->state());
-                 if (scansWhenPowered && central->state() == BluetoothRadioState::poweredOn)
+                 if (central->state() != BluetoothRadioState::poweredOn)
+                     central->stopScan();
+                 else if (scansWhenPowered)
                      central->scan();
              },
          .onAdvertisement =
@@ -57,9 +59,10 @@ int BluezWorld::sessions(const std::string& adapter) {
     return std::stoi(tell("sessions " + adapter));
 }
 
-bool BluezWorld::callAdapter(QDBusConnection& program, const char* method) {
-    const auto call = QDBusMessage::createMethodCall(bluez::service, QStringLiteral("/org/bluez/hci0"),
-                                                     bluez::adapterInterface, QString::fromLatin1(method));
+bool BluezWorld::callAdapter(QDBusConnection& program, const char* method, const char* adapter) {
+    const auto call =
+        QDBusMessage::createMethodCall(bluez::service, QStringLiteral("/org/bluez/") + QLatin1String(adapter),
+                                       bluez::adapterInterface, QString::fromLatin1(method));
     return program.call(call).type() == QDBusMessage::ReplyMessage;
 }
 

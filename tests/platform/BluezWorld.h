@@ -41,7 +41,8 @@ protected:
 
     [[nodiscard]] bool comesTo(BluetoothRadioState state);
     /// Another program on the same bus begins or ends to look for devices; whether it could.
-    [[nodiscard]] static bool callAdapter(QDBusConnection& program, const char* method);
+    [[nodiscard]] static bool callAdapter(QDBusConnection& program, const char* method,
+                                          const char* adapter = "hci0");
     /// Waits until the tag is heard with this reading, which is sent again and again.
     [[nodiscard]] bool hears(int rssi);
     /// Waits until all that the daemon has sent so far must have arrived.
@@ -56,7 +57,8 @@ protected:
     std::unique_ptr<BluezCentral> central;
     std::vector<BluetoothRadioState> states;
     std::vector<BluetoothAdvertisement> heard;
-    /// Asks for a scan whenever the radio is on, as the owner of a central does.
+    /// Asks for a scan whenever the radio is on, as the owner of a central does, and always stops when it is
+    /// not.
     bool scansWhenPowered = false;
 };
 
