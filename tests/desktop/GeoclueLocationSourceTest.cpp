@@ -85,6 +85,24 @@ TEST_F(GeoclueLocationSourceTest, aFixMayBeAskedForWhenAccessIsGranted) {
     EXPECT_EQ(service->count("CreateClient"), 1u);
 }
 
+TEST_F(GeoclueLocationSourceTest, accessIsSettledAlsoWhereTheFixComesFirst) {
+    startService();
+    QDBusMessage waiting;
+    service->on("Start", [&](const QDBusMessage& call) {
+        tellOfLocation();
+        waiting = call;
+        return QDBusMessage();
+    });
+    source.requestLocation();
+    ASSERT_TRUE(isCalled("Start"));
+    ASSERT_TRUE(service->isHeardBy(connector.bus()));
+    service->answer(waiting.createReply());
+    ASSERT_TRUE(isClosed());
+
+    EXPECT_EQ(fixes.size(), 1u);
+    EXPECT_EQ(source.authorization(), LocationAuthorization::authorizedAlways);
+}
+
 TEST_F(GeoclueLocationSourceTest, senselessLocationsAreNone) {
     startService();
     const QVariantMap senseless[] = {

@@ -250,16 +250,15 @@ TEST_F(LinuxMessageTransportTest, whoHangsIsWaitedForUpToALimit) {
 
 TEST_F(LinuxMessageTransportTest, manyPhonesThatHangDoNotAddUp) {
     QStringList devices;
-    for (int i = 0; i < 1'000; ++i)
+    for (int i = 0; i < 100; ++i)
         devices << QStringLiteral("phone%1").arg(i);
     startKdeConnect(devices);
     phones->staySilent("hasPlugin");
-    LinuxMessageTransport quick(system, session,
-                                {.bus = 10s, .answer = 100ms, .sending = 100ms, .total = 500ms});
+    LinuxMessageTransport quick(system, session, {.bus = 10s, .answer = 60s, .sending = 60s, .total = 500ms});
     const auto start = std::chrono::steady_clock::now();
 
     EXPECT_FALSE(quick.send(hello).has_value());
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 20s);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 30s) << "not even the first has its full time";
     EXPECT_LE(phones->count("hasPlugin"), 10u);
 }
 
