@@ -68,6 +68,10 @@ void BluetoothTrackerManager::listen() {
     });
 }
 
+void BluetoothTrackerManager::setErrorMessage(const std::optional<std::string>& sentence) {
+    m_status.errorMessage.set(sentence);
+}
+
 std::optional<DiscoveredTracker> BluetoothTrackerManager::trackedDevice() const {
     const auto* device = trackedID() ? deviceWith(*trackedID()) : nullptr;
     return device ? std::optional(*device) : std::nullopt;

@@ -71,7 +71,7 @@ public:
     [[nodiscard]] const std::string& iMessageStatus() const { return m_delivery.status(); }
 
     void setFinderSoundEnabled(bool enabled) { m_finder.setSoundEnabled(enabled); }
-    void setErrorMessage(const std::optional<std::string>& sentence) { m_status.errorMessage.set(sentence); }
+    void setErrorMessage(const std::optional<std::string>& sentence);
     /// The two are kept at once; `iMessageStatus` follows with `updateIMessageStatus`.
     void setIMessageAlertsEnabled(bool enabled) { m_delivery.setMessagesEnabled(enabled); }
     void setIMessageRecipient(const std::string& recipient) { m_delivery.setRecipient(recipient); }

@@ -114,7 +114,7 @@ public:
 
     void setSelectedPort(const std::string& port) { m_connection.selectPort(port); }
     void setSelectedNodeID(std::optional<std::uint32_t> number) { m_selectedNodeID.set(number); }
-    void setErrorMessage(const std::optional<std::string>& sentence) { m_status.errorMessage.set(sentence); }
+    void setErrorMessage(const std::optional<std::string>& sentence);
     void setParkingRadius(double metres) { m_guard.setRadius(metres); }
     void setGuardProfile(GuardProfile profile) { m_guard.setProfile(profile); }
     void setMessageRecipient(std::optional<std::uint32_t> number) { m_conversation.setRecipient(number); }

@@ -8,6 +8,10 @@
 
 namespace nightjar {
 
+void NightjarModel::setErrorMessage(const std::optional<std::string>& sentence) {
+    m_status.errorMessage.set(sentence);
+}
+
 std::vector<MeshNode> NightjarModel::directlyHeardNodes() const {
     return remoteNodes(true);
 }
