@@ -130,7 +130,13 @@ QDBusMessage StandInBluetoothd::start(Adapter& adapter, const QDBusMessage& call
         return refusal(call, withError("InProgress"));
     findChild<QDBusServiceWatcher*>(QStringLiteral("clients"))->addWatchedService(call.service());
     adapter.clients.insert(call.service());
-    setProperty(adapter, QStringLiteral("Discovering"), true);
+    // After the answer.
+    QTimer::singleShot(0, this, [this, path = adapter.path] {
+        for (auto& [name, one] : m_adapters) {
+            if (one.path == path && !one.clients.isEmpty())
+                setProperty(one, QStringLiteral("Discovering"), true);
+        }
+    });
     return call.createReply();
 }
 
