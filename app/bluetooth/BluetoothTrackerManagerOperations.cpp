@@ -78,7 +78,7 @@ void BluetoothTrackerManager::track(DiscoveredTracker device) {
 }
 
 void BluetoothTrackerManager::stopTracking(const Uuid& id) {
-    m_tracked.remove(Uuid(id));
+    m_tracked.remove(id);
     saveTrackedDevices();
     if (m_tracked.list().empty())
         m_location.stopUpdating();

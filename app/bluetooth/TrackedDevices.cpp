@@ -39,7 +39,7 @@ void TrackedDevices::add(TrackedBluetoothDevice device, SteadyTime heardAt) {
     });
 }
 
-void TrackedDevices::remove(const Uuid& id) {
+void TrackedDevices::remove(Uuid id) {
     if (!contains(id))
         return;
     m_devices.change([&](std::vector<TrackedBluetoothDevice>& devices) {

@@ -28,11 +28,11 @@ public:
 
     /// Adds a device that is not tracked yet and sorts all by their names, as a file browser does.
     void add(TrackedBluetoothDevice device, SteadyTime heardAt);
-    void remove(const Uuid& id);
+    void remove(Uuid id);
     void setHeardAt(const Uuid& id, SteadyTime time);
     /// False when the device is not tracked.
     template <class Change>
-    bool change(const Uuid& id, Change&& applyTo) {
+    bool change(Uuid id, Change&& applyTo) {
         if (!contains(id))
             return false;
         m_devices.change([&](std::vector<TrackedBluetoothDevice>& devices) {
