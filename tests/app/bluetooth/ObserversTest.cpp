@@ -93,6 +93,9 @@ TEST_F(BluetoothObserversTest, whoIsToldMayStartAndStopAtOnce) {
             }
             // What is shown is what is.
             EXPECT_EQ(manager->isScanning(), bluetooth.isScanning());
+            const bool saysStopped = manager->state() == "Choose a Bluetooth device" ||
+                                     manager->state() == "No Bluetooth devices found";
+            EXPECT_FALSE(manager->isScanning() && saysStopped);
         }
     }
 }
