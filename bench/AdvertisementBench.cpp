@@ -5,17 +5,7 @@
 // costs.
 
 #include "app/bluetooth/BluetoothTrackerManager.h"
-#include "platform/simulated/FakeBluetoothCentral.h"
-#include "platform/simulated/FakeLocationSource.h"
-#include "platform/simulated/FakeMessageTransport.h"
-#include "platform/simulated/FakeNotificationCenter.h"
-#include "platform/simulated/FakePreferences.h"
-#include "platform/simulated/FakeScheduler.h"
-#include "platform/simulated/FakeSystemSound.h"
-#include "platform/simulated/FakeTextServices.h"
-#include "platform/simulated/FakeWakeMonitor.h"
-#include "platform/simulated/ManualMainThread.h"
-#include "platform/simulated/SimulatedHostEnvironment.h"
+#include "platform/simulated/SimulatedComputer.h"
 
 #include <algorithm>
 #include <chrono>
@@ -44,32 +34,9 @@ double residentMegabytes() {
     return resident * 4096 / 1e6;
 }
 
-struct Computer {
-    [[nodiscard]] PlatformServices services() {
-        return {.host = host,
-                .mainThread = mainThread,
-                .scheduler = scheduler,
-                .preferences = preferences,
-                .notifications = notifications,
-                .text = text,
-                .bluetooth = bluetooth,
-                .location = location,
-                .sound = sound,
-                .wake = wake,
-                .messages = messages};
-    }
+struct Computer : SimulatedComputer {
+    Computer() { bluetooth.setState(BluetoothRadioState::poweredOn); }
 
-    SimulatedHostEnvironment host;
-    ManualMainThread mainThread;
-    FakeScheduler scheduler;
-    FakePreferences preferences;
-    FakeNotificationCenter notifications;
-    FakeTextServices text;
-    FakeBluetoothCentral bluetooth{BluetoothRadioState::poweredOn};
-    FakeLocationSource location;
-    FakeSystemSound sound;
-    FakeWakeMonitor wake;
-    FakeMessageTransport messages;
     BluetoothTrackerManager manager{services()};
 };
 

@@ -3,17 +3,7 @@
 #pragma once
 
 #include "app/mesh/NightjarModel.h"
-#include "platform/simulated/FakeBluetoothCentral.h"
-#include "platform/simulated/FakeLocationSource.h"
-#include "platform/simulated/FakeMessageTransport.h"
-#include "platform/simulated/FakeNotificationCenter.h"
-#include "platform/simulated/FakePreferences.h"
-#include "platform/simulated/FakeScheduler.h"
-#include "platform/simulated/FakeSystemSound.h"
-#include "platform/simulated/FakeTextServices.h"
-#include "platform/simulated/FakeWakeMonitor.h"
-#include "platform/simulated/ManualMainThread.h"
-#include "platform/simulated/SimulatedHostEnvironment.h"
+#include "platform/simulated/SimulatedComputer.h"
 #include "tests/support/Builders.h"
 #include "tests/support/FakeRadioLink.h"
 #include "tests/support/TemporaryFolder.h"
@@ -27,7 +17,7 @@
 namespace nightjar::testing {
 
 /// The model of the mesh on a simulated computer, with a radio that the test plays.
-class ModelRig {
+class ModelRig : public SimulatedComputer {
 public:
     static constexpr const char* port = "/dev/cu.usbserial-0001";
     static constexpr std::uint32_t base = 7;
@@ -44,20 +34,6 @@ public:
         radio = link.get();
         model = std::make_unique<NightjarModel>(services(), std::move(link));
         return *model;
-    }
-
-    [[nodiscard]] PlatformServices services() {
-        return {.host = host,
-                .mainThread = mainThread,
-                .scheduler = scheduler,
-                .preferences = preferences,
-                .notifications = notifications,
-                .text = text,
-                .bluetooth = bluetooth,
-                .location = location,
-                .sound = sound,
-                .wake = wake,
-                .messages = messages};
     }
 
     /// Makes the model and waits until its start is over.
@@ -88,17 +64,6 @@ public:
     void lose(const MeshRadioError& error) { radio->connects.back().listener.onLost(error); }
 
     TemporaryFolder folder;
-    SimulatedHostEnvironment host;
-    ManualMainThread mainThread;
-    FakeScheduler scheduler{startDate};
-    FakePreferences preferences;
-    FakeNotificationCenter notifications;
-    FakeTextServices text;
-    FakeBluetoothCentral bluetooth;
-    FakeLocationSource location;
-    FakeSystemSound sound;
-    FakeWakeMonitor wake;
-    FakeMessageTransport messages;
     FakeRadioLink* radio = nullptr; ///< the model's own
     std::unique_ptr<NightjarModel> model;
 };

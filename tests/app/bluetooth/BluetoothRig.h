@@ -3,17 +3,7 @@
 #pragma once
 
 #include "app/bluetooth/BluetoothTrackerManager.h"
-#include "platform/simulated/FakeBluetoothCentral.h"
-#include "platform/simulated/FakeLocationSource.h"
-#include "platform/simulated/FakeMessageTransport.h"
-#include "platform/simulated/FakeNotificationCenter.h"
-#include "platform/simulated/FakePreferences.h"
-#include "platform/simulated/FakeScheduler.h"
-#include "platform/simulated/FakeSystemSound.h"
-#include "platform/simulated/FakeTextServices.h"
-#include "platform/simulated/FakeWakeMonitor.h"
-#include "platform/simulated/ManualMainThread.h"
-#include "platform/simulated/SimulatedHostEnvironment.h"
+#include "platform/simulated/SimulatedComputer.h"
 
 #include <chrono>
 #include <memory>
@@ -37,8 +27,10 @@ namespace nightjar::testing {
 }
 
 /// The Bluetooth manager on a simulated computer, whose radio is on.
-class BluetoothRig {
+class BluetoothRig : public SimulatedComputer {
 public:
+    BluetoothRig() { bluetooth.setState(BluetoothRadioState::poweredOn); }
+
     BluetoothTrackerManager& create() {
         manager.reset();
         manager = std::make_unique<BluetoothTrackerManager>(services());
@@ -66,32 +58,6 @@ public:
     }
     void pass(std::chrono::milliseconds time) { scheduler.advance(time); }
 
-    [[nodiscard]] PlatformServices services() { return services(scheduler); }
-    [[nodiscard]] PlatformServices services(Scheduler& time) {
-        return {.host = host,
-                .mainThread = mainThread,
-                .scheduler = time,
-                .preferences = preferences,
-                .notifications = notifications,
-                .text = text,
-                .bluetooth = bluetooth,
-                .location = location,
-                .sound = sound,
-                .wake = wake,
-                .messages = messages};
-    }
-
-    SimulatedHostEnvironment host;
-    ManualMainThread mainThread;
-    FakeScheduler scheduler;
-    FakePreferences preferences;
-    FakeNotificationCenter notifications;
-    FakeTextServices text;
-    FakeBluetoothCentral bluetooth{BluetoothRadioState::poweredOn};
-    FakeLocationSource location;
-    FakeSystemSound sound;
-    FakeWakeMonitor wake;
-    FakeMessageTransport messages;
     std::unique_ptr<BluetoothTrackerManager> manager;
 };
 
