@@ -47,6 +47,10 @@ public:
     /// reports what it may have held back as a repetition. For use in the state `poweredOn`.
     virtual void scan() = 0;
     virtual void stopScan() = 0;
+    /// Whether whoever runs the radio has given a sign of life in the last seconds; where not, one is asked
+    /// for, so that the answer changes soon: to true, or the state is no longer `poweredOn`. While it is
+    /// false, the silence of a device says nothing.
+    [[nodiscard]] virtual bool isResponsive() = 0;
 };
 
 } // namespace nightjar

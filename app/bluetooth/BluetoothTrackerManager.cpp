@@ -35,7 +35,8 @@ BluetoothTrackerManager::BluetoothTrackerManager(const PlatformServices& platfor
           platform,
           {.messagesEnabled = announcerOf<&BluetoothTrackerManager::iMessageAlertsEnabledChanged>(*this),
            .recipient = announcerOf<&BluetoothTrackerManager::iMessageRecipientChanged>(*this),
-           .status = announcerOf<&BluetoothTrackerManager::iMessageStatusChanged>(*this)}) {
+           .status = announcerOf<&BluetoothTrackerManager::iMessageStatusChanged>(*this)},
+          [this](const std::string& failure) { report(failure); }) {
     listen();
     if (!m_tracked.list().empty())
         m_location.requestAccessOrLocation();

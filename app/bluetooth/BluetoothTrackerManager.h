@@ -17,6 +17,7 @@
 #include "core/bluetooth/TrackedDevicesFile.h"
 #include "platform/PlatformServices.h"
 
+#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <optional>
@@ -144,6 +145,7 @@ private:
     void stopScanRefreshTimer();
     void scanRefresh();
     void checkLossAlerts();
+    void checkLossAlertsAfter(std::chrono::milliseconds delay);
 
     void beginFinderScan();
     void showFinding(const Uuid& id);

@@ -19,8 +19,11 @@ constexpr auto savePeriod = 5s;
 
 /// A tick this much after the one before: the thread was held up.
 constexpr auto heldUp = scanRefreshPeriod + 2s;
-/// Time for the advertisements that waited meanwhile to be heard.
-constexpr auto catchUp = 1s;
+/// Time to be heard for whoever sent meanwhile: the radio may have been held up too, and some report an
+/// address only once in ten seconds.
+constexpr auto catchUp = 12s;
+/// How soon a radio that has to prove first that it lives is looked at again.
+constexpr auto proofTime = 200ms;
 
 } // namespace
 
@@ -90,8 +93,10 @@ void BluetoothTrackerManager::hearTracked(const Uuid& id, std::int32_t rssi, Ste
     });
 
     const auto* device = m_tracked.find(id);
-    if (wasAlerted && device && device->lossAlertEnabled)
-        report(m_delivery.tellReturned(TrackedBluetoothDevice(*device)));
+    if (wasAlerted && device && device->lossAlertEnabled) {
+        m_delivery.tellReturned(TrackedBluetoothDevice(*device));
+        m_delivery.deliver();
+    }
     if (!m_lastTrackedSave || m_platform.scheduler.steadyNow() - *m_lastTrackedSave >= savePeriod)
         saveTrackedDevices();
 }
@@ -125,26 +130,35 @@ void BluetoothTrackerManager::scanRefresh() {
     Q_EMIT timePassed();
     if (!m_scan.isRadioScanning())
         return;
-    if (wasHeldUp) {
-        // What the devices sent meanwhile is still on its way to us.
-        m_lateCheck = m_platform.scheduler.after(catchUp, [this] { checkLossAlerts(); });
-    } else {
+    if (wasHeldUp)
+        checkLossAlertsAfter(catchUp);
+    else if (!m_lateCheck)
         checkLossAlerts();
-    }
+}
+
+void BluetoothTrackerManager::checkLossAlertsAfter(std::chrono::milliseconds delay) {
+    m_lateCheck = m_platform.scheduler.after(delay, [this] {
+        m_lateCheck.cancel();
+        checkLossAlerts();
+    });
 }
 
 void BluetoothTrackerManager::checkLossAlerts() {
     if (!isScanning() || !isPoweredOn() || !m_scan.monitoringStartedAt())
         return;
-    // Sending a message takes time in which nothing is heard: all are judged by the time before.
     const auto now = m_platform.scheduler.steadyNow();
-    for (const Uuid& id : m_losses.due(m_tracked, now)) {
+    const auto due = m_losses.due(m_tracked, now);
+    // A service that hangs hears nobody: before anyone is missed, it has to give a sign of life.
+    if (!due.empty() && !m_platform.bluetooth.isResponsive())
+        return checkLossAlertsAfter(proofTime);
+    for (const Uuid& id : due) {
         const auto* device = m_tracked.find(id);
         if (!device || !m_losses.isDue(*device, m_tracked.heardAt(id), now))
             continue;
         m_losses.noteAlerted(id);
-        report(m_delivery.tellLost(TrackedBluetoothDevice(*device)));
+        m_delivery.tellLost(TrackedBluetoothDevice(*device));
     }
+    m_delivery.deliver();
 }
 
 void BluetoothTrackerManager::startFinderTimer() {

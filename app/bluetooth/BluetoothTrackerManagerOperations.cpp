@@ -164,7 +164,7 @@ void BluetoothTrackerManager::setLossAlertDelay(double delay, const Uuid& id) {
 }
 
 void BluetoothTrackerManager::sendTestIMessage() {
-    report(m_delivery.sendTest());
+    m_delivery.sendTest();
 }
 
 void BluetoothTrackerManager::updateIMessageStatus() {

@@ -8,7 +8,9 @@
 #include "app/bluetooth/LossAlertMonitor.h"
 #include "core/base/Text.h"
 
+#include <chrono>
 #include <string_view>
+#include <utility>
 
 namespace nightjar {
 
@@ -19,8 +21,10 @@ constexpr std::string_view recipientKey = "bluetoothLossIMessageRecipient";
 
 } // namespace
 
-LossAlertDelivery::LossAlertDelivery(const PlatformServices& platform, const Announcers& announcers)
+LossAlertDelivery::LossAlertDelivery(const PlatformServices& platform, const Announcers& announcers,
+                                     std::function<void(const std::string&)> onFailure)
     : m_platform(platform),
+      m_onFailure(std::move(onFailure)),
       m_messagesEnabled(announcers.messagesEnabled, platform.preferences.boolean(enabledKey).value_or(false)),
       m_recipient(announcers.recipient, platform.preferences.string(recipientKey).value_or("")),
       m_status(announcers.status, "Not configured") {
@@ -45,7 +49,7 @@ void LossAlertDelivery::updateStatus() {
     }
 }
 
-std::optional<std::string> LossAlertDelivery::tellLost(const TrackedBluetoothDevice& device) {
+void LossAlertDelivery::tellLost(const TrackedBluetoothDevice& device) {
     const std::string title = device.name + " is no longer nearby";
     const std::string body = "No Bluetooth signal has been received for " +
                              BluetoothTexts::lossDelayDescription(LossAlertMonitor::delayOf(device)) + ".";
@@ -54,33 +58,54 @@ std::optional<std::string> LossAlertDelivery::tellLost(const TrackedBluetoothDev
          .title = title,
          .body = body + " Check whether the device is still nearby.",
          .sound = NotificationSound::standard});
-    return sendIfEnabled("Nightjar alert: " + title + ". " + body, "Last alert sent at ");
+    sendIfEnabled({"Nightjar alert: " + title + ". " + body, "Last alert sent at "});
 }
 
-std::optional<std::string> LossAlertDelivery::tellReturned(const TrackedBluetoothDevice& device) {
+void LossAlertDelivery::tellReturned(const TrackedBluetoothDevice& device) {
     const std::string title = device.name + " is nearby again";
     m_platform.notifications.post(
         {.identifier = AlertIdentifiers::bluetoothReturned(device.id, m_platform.scheduler.now()),
          .title = title,
          .body = "Nightjar is receiving its Bluetooth signal again.",
          .sound = NotificationSound::standard});
-    return sendIfEnabled("Nightjar update: " + title + ". Its Bluetooth signal has returned.",
-                         "Last update sent at ");
+    sendIfEnabled(
+        {"Nightjar update: " + title + ". Its Bluetooth signal has returned.", "Last update sent at "});
 }
 
-std::optional<std::string> LossAlertDelivery::sendIfEnabled(const std::string& text, const char* success) {
+void LossAlertDelivery::sendIfEnabled(Message message) {
     if (!isMessagesEnabled())
-        return std::nullopt;
-    const auto sent = MessagesAlertSender::send(m_platform.messages, text, recipient());
-    m_status.set(sent ? success + timeOfDay() : "Last delivery failed");
-    return sent ? std::nullopt : std::optional(sent.error().errorDescription());
+        return;
+    m_waiting.push_back(std::move(message));
 }
 
-std::optional<std::string> LossAlertDelivery::sendTest() {
-    const auto sent = MessagesAlertSender::send(
-        m_platform.messages, "Nightjar test alert. Messages delivery is working on this Mac.", recipient());
-    m_status.set(sent ? "Test message sent" : "Could not send");
-    return sent ? std::nullopt : std::optional(sent.error().errorDescription());
+void LossAlertDelivery::deliver() {
+    if (!m_turn)
+        sendNext();
+}
+
+void LossAlertDelivery::sendNext() {
+    m_turn.cancel();
+    if (m_waiting.empty())
+        return;
+    const Message message = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    m_turn = m_platform.scheduler.after(std::chrono::milliseconds(0), [this] { sendNext(); });
+    send(message.text, message.success, "Last delivery failed");
+}
+
+void LossAlertDelivery::sendTest() {
+    send("Nightjar test alert. Messages delivery is working on this Mac.", {}, "Could not send");
+}
+
+/// Without words for the success it was the test.
+void LossAlertDelivery::send(const std::string& text, const std::string& success, const char* failure) {
+    const auto sent = MessagesAlertSender::send(m_platform.messages, text, recipient());
+    if (sent) {
+        m_status.set(success.empty() ? "Test message sent" : success + timeOfDay());
+        return;
+    }
+    m_status.set(failure);
+    m_onFailure(sent.error().errorDescription());
 }
 
 std::string LossAlertDelivery::timeOfDay() const {

@@ -97,6 +97,9 @@ std::string BluetoothReport::calmState() {
 }
 
 void BluetoothReport::noteDevice(std::size_t index) {
+    // Whoever else is told of a device may have cleared the list.
+    if (index >= m_manager.devices().size())
+        return;
     if (index >= m_isTold.size())
         m_isTold.resize(index + 1);
     if (m_isTold[index])

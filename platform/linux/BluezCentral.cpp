@@ -41,6 +41,10 @@ void BluezCentral::stopScan() {
     m_daemon.setWatched(false);
 }
 
+bool BluezCentral::isResponsive() {
+    return m_daemon.isResponsive();
+}
+
 void BluezCentral::appeared() {
     askForObjects();
 }

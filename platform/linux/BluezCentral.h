@@ -32,6 +32,7 @@ public:
     [[nodiscard]] BluetoothRadioState state() const override { return m_state; }
     void scan() override;
     void stopScan() override;
+    [[nodiscard]] bool isResponsive() override;
 
     static constexpr qsizetype mostDevices = 100'000;
     [[nodiscard]] qsizetype knownDevices() const { return m_devices.size(); }

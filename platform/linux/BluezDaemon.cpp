@@ -28,6 +28,8 @@ BluezDaemon::BluezDaemon(BusConnector& connector, Scheduler& scheduler, const Bl
     connect(&m_connector, &BusConnector::lost, this, &BluezDaemon::busLost);
     if (m_connector.isConnected())
         busOpened();
+    else
+        m_connector.open();
 }
 
 void BluezDaemon::busOpened() {
@@ -187,9 +189,24 @@ void BluezDaemon::lookAtPulse() {
     m_pulse = m_scheduler.after(m_settings.silenceUntilPing - silence, [this] { lookAtPulse(); });
 }
 
+bool BluezDaemon::isResponsive() {
+    constexpr std::chrono::seconds recent{1};
+    if (m_owner.isEmpty() || m_hangs)
+        return false;
+    if (m_scheduler.steadyNow() - m_lastHeard <= recent)
+        return true;
+    if (!m_isPinging)
+        ping();
+    return false;
+}
+
 void BluezDaemon::ping() {
-    m_pulse.cancel();
     m_isPinging = true;
+    // The limit of the call alone would not do: it is kept by the thread that serves all buses.
+    m_pulse = m_scheduler.after(m_settings.pingTimeout * 5 / 4, [this] {
+        if (m_isPinging)
+            pingAnswered(false);
+    });
     const auto asked = m_scheduler.steadyNow();
     callService(m_owner, message(bluez::rootPath, bluez::peerInterface, QStringLiteral("Ping")),
                 m_settings.pingTimeout, [this, asked](const QDBusMessage& answer) {
@@ -200,6 +217,7 @@ void BluezDaemon::ping() {
 
 void BluezDaemon::pingAnswered(bool isAlive) {
     m_isPinging = false;
+    m_pulse.cancel();
     if (m_hangs && isAlive) {
         m_hangs = false;
         m_handlers.appeared();

@@ -48,6 +48,8 @@ public:
     void setWatched(bool isWatched);
     /// The daemon gave no answer where one was due: it counts as hanging until it answers.
     void suspect();
+    /// Whether it has said anything in the last second; if not, it is asked.
+    [[nodiscard]] bool isResponsive();
     /// When it last said anything.
     [[nodiscard]] SteadyTime lastHeard() const { return m_lastHeard; }
 

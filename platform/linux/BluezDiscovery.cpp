@@ -46,6 +46,7 @@ void BluezDiscovery::want() {
 
 void BluezDiscovery::unwant() {
     m_wish = Wish::none;
+    m_blindness.cancel();
     pursue();
 }
 
@@ -98,7 +99,7 @@ void BluezDiscovery::filterAnswered(const QDBusMessage& answer) {
     if (isError(answer))
         return failed(answer.errorName());
     if (m_wish == Wish::none)
-        m_session = Session::none;
+        ended();
     else
         call(startDiscovery, {}, &BluezDiscovery::startAnswered);
 }
@@ -141,7 +142,10 @@ void BluezDiscovery::failed(const QString& error) {
 void BluezDiscovery::ended() {
     m_session = Session::none;
     m_stall.cancel();
-    watchForBlindness();
+    if (m_wish != Wish::none)
+        watchForBlindness();
+    else if (!m_retry)
+        setTrouble(Trouble::none);
 }
 
 void BluezDiscovery::tryAfter(std::chrono::milliseconds delay) {

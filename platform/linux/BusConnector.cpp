@@ -2,10 +2,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/linux/BusConnector.h"
 
+#include "platform/linux/BusProbe.h"
+
 #include <QString>
 
 #include <algorithm>
 #include <atomic>
+#include <string>
 #include <utility>
 
 namespace nightjar {
@@ -15,14 +18,19 @@ QDBusConnection noBus() {
     return QDBusConnection(QString());
 }
 
-/// A name is bound to its first connection even when that is dead, so each one gets a new name. The address
-/// is looked up here because the library below remembers the first one for as long as the process runs.
-QDBusConnection openBus(QDBusConnection::BusType type, const char* addressVariable) {
+/// The value of a variable; empty when it is not set.
+std::string variable(const char* name) {
+    return qEnvironmentVariable(name).toStdString();
+}
+
+/// A name is bound to its first connection even when that is dead, so each one gets a new name. The addresses
+/// are looked up by us because the library below remembers the first one for as long as the process runs.
+QDBusConnection openBus(const std::string& address) {
     static std::atomic<int> opened = 0;
-    const auto name = QStringLiteral("nightjar-%1").arg(++opened);
-    const auto address = qEnvironmentVariable(addressVariable);
-    return address.isEmpty() ? QDBusConnection::connectToBus(type, name)
-                             : QDBusConnection::connectToBus(address, name);
+    if (address.empty() || !busAnswers(address))
+        return noBus();
+    return QDBusConnection::connectToBus(QString::fromStdString(address),
+                                         QStringLiteral("nightjar-%1").arg(++opened));
 }
 
 } // namespace
@@ -40,11 +48,16 @@ BusConnector::~BusConnector() {
 }
 
 QDBusConnection BusConnector::openSystemBus() {
-    return openBus(QDBusConnection::SystemBus, "DBUS_SYSTEM_BUS_ADDRESS");
+    const auto address = variable("DBUS_SYSTEM_BUS_ADDRESS");
+    return openBus(address.empty() ? "unix:path=/run/dbus/system_bus_socket" : address);
 }
 
 QDBusConnection BusConnector::openSessionBus() {
-    return openBus(QDBusConnection::SessionBus, "DBUS_SESSION_BUS_ADDRESS");
+    auto address = variable("DBUS_SESSION_BUS_ADDRESS");
+    const auto folder = variable("XDG_RUNTIME_DIR");
+    if (address.empty() && !folder.empty())
+        address = "unix:path=" + folder + "/bus";
+    return openBus(address);
 }
 
 void BusConnector::open() {

@@ -45,7 +45,7 @@ public:
 
     /// $DBUS_SYSTEM_BUS_ADDRESS as it is now, else the usual place.
     [[nodiscard]] static QDBusConnection openSystemBus();
-    /// $DBUS_SESSION_BUS_ADDRESS as it is now, else the usual place.
+    /// $DBUS_SESSION_BUS_ADDRESS as it is now, else "bus" in $XDG_RUNTIME_DIR.
     [[nodiscard]] static QDBusConnection openSessionBus();
 
 Q_SIGNALS:

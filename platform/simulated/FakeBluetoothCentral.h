@@ -16,9 +16,12 @@ public:
     [[nodiscard]] BluetoothRadioState state() const override { return m_state; }
     void scan() override;
     void stopScan() override;
+    [[nodiscard]] bool isResponsive() override { return m_isResponsive; }
 
     /// Switched on or off, plugged in, reset. A scan ends when the radio is no longer powered on.
     void setState(BluetoothRadioState state);
+    /// The radio's service hangs, which nobody has noticed yet, or answers again.
+    void setResponsive(bool isResponsive) { m_isResponsive = isResponsive; }
     /// A device sends; the radio receives it only while it scans. Whether it did.
     bool hear(const BluetoothAdvertisement& advertisement);
 
@@ -31,6 +34,7 @@ private:
     Listener m_listener;
     bool m_isScanning = false;
     int m_scansBegun = 0;
+    bool m_isResponsive = true;
 };
 
 } // namespace nightjar

@@ -172,6 +172,18 @@ TEST_F(BluetoothWatchTest, aDaemonThatIsKilledOrARadioSwitchedOffLosesNobody) {
     EXPECT_THAT(titles(), ElementsAre("Tag is no longer nearby")) << "armed again";
 }
 
+TEST_F(BluetoothWatchTest, aDaemonThatHangsLosesNobody) {
+    trackWithAlert();
+    live(10s, -60);
+
+    daemon->freeze();
+    ASSERT_TRUE(shows("Bluetooth is unavailable"));
+    live(30s, std::nullopt);
+    daemon->thaw();
+    ASSERT_TRUE(shows("Looking for Bluetooth devices…"));
+    EXPECT_THAT(titles(), IsEmpty());
+}
+
 TEST_F(BluetoothWatchTest, sleepIsNoLoss) {
     trackWithAlert();
     live(10s, -60);
