@@ -91,8 +91,10 @@ void GeoclueLocationSource::failed(const GeoclueClient::Failure& failure) {
     using Kind = GeoclueClient::Failure::Kind;
     m_wantsAuthorization = false;
     closeClient();
-    if (failure.kind == Kind::denied)
+    if (failure.kind == Kind::denied) {
         setAuthorization(LocationAuthorization::denied);
+        askAgainLater();
+    }
     refuseFix({.isTemporary = failure.kind != Kind::other, .description = failure.text.toStdString()});
 }
 
@@ -102,8 +104,20 @@ void GeoclueLocationSource::busLost() {
     refuseFix({.isTemporary = true});
 }
 
+/// The user may change the mind, or install the service, in the months that we run.
+void GeoclueLocationSource::askAgainLater() {
+    m_askAgain = m_scheduler.after(askAgainAfter, [this] {
+        m_askAgain.cancel();
+        if (m_authorization == LocationAuthorization::authorizedAlways)
+            return;
+        m_authorization = LocationAuthorization::notDetermined;
+        requestWhenInUseAuthorization();
+    });
+}
+
 void GeoclueLocationSource::authorizationExpired() {
     m_wantsAuthorization = false;
+    askAgainLater();
     if (!m_wantsFix)
         closeClient();
 }

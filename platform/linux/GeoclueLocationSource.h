@@ -23,6 +23,8 @@ public:
     static constexpr std::chrono::milliseconds fixLimit = std::chrono::seconds(60);
     /// The user may take a while to answer.
     static constexpr std::chrono::milliseconds authorizationLimit = std::chrono::minutes(5);
+    /// Who was refused, or got no answer, asks again after this long.
+    static constexpr std::chrono::milliseconds askAgainAfter = std::chrono::hours(1);
 
     /// `desktopId` is the name of the program's .desktop file, without the ending.
     GeoclueLocationSource(BusConnector& systemBus, Scheduler& scheduler, QString desktopId);
@@ -42,6 +44,7 @@ private:
     void failed(const GeoclueClient::Failure& failure);
     void busLost();
     void authorizationExpired();
+    void askAgainLater();
     void setAuthorization(LocationAuthorization authorization);
     /// Nothing when no fix was asked for.
     void refuseFix(const LocationError& error);
@@ -58,6 +61,7 @@ private:
     GeoclueClient* m_client = nullptr; ///< a child; null when none is open
     Timer m_fixLimit;
     Timer m_authorizationLimit;
+    Timer m_askAgain;
 };
 
 } // namespace nightjar

@@ -42,7 +42,7 @@ TEST_F(GeoclueFailuresTest, whatGoesWrongIsToldAsWhatItIs) {
         EXPECT_EQ(told[0].isTemporary, expected.isTemporary) << expected.method;
         EXPECT_EQ(told[0].description, expected.text);
         EXPECT_EQ(fresh.authorization(), expected.authorization) << expected.method;
-        EXPECT_EQ(scheduler.armedTimers(), 0u);
+        EXPECT_EQ(scheduler.armedTimers(), expected.authorization == denied ? 1u : 0u) << "asks again later";
     }
 }
 
@@ -52,6 +52,11 @@ TEST_F(GeoclueFailuresTest, aMissingServiceCountsAsDenied) {
 
     EXPECT_EQ(authorizations, std::vector{LocationAuthorization::denied});
     EXPECT_TRUE(errors.empty());
+
+    startService();
+    scheduler.advance(GeoclueLocationSource::askAgainAfter);
+    ASSERT_TRUE(runEventsUntil([&] { return authorizations.size() == 2; })) << "installed meanwhile";
+    EXPECT_EQ(authorizations.back(), LocationAuthorization::authorizedAlways);
 }
 
 TEST_F(GeoclueFailuresTest, aSilentServiceIsGivenUp) {
