@@ -15,6 +15,7 @@
 #include "platform/simulated/FakeMessageTransport.h"
 #include "platform/simulated/FakeNotificationCenter.h"
 #include "platform/simulated/FakePreferences.h"
+#include "platform/simulated/FakeServiceBrowser.h"
 #include "platform/simulated/FakeSystemSound.h"
 #include "platform/simulated/FakeTextServices.h"
 #include "platform/simulated/FakeWakeMonitor.h"
@@ -88,7 +89,8 @@ public:
                                            .location = m_location,
                                            .sound = m_sound,
                                            .wake = m_wake,
-                                           .messages = m_messages});
+                                           .messages = m_messages,
+                                           .services = m_network});
         QObject::connect(&*m_manager, &BluetoothTrackerManager::deviceChanged, &*m_manager,
                          [this] { ++m_delivered; });
         m_manager->startScanning();
@@ -157,6 +159,7 @@ private:
     FakeSystemSound m_sound;
     FakeWakeMonitor m_wake;
     FakeMessageTransport m_messages;
+    FakeServiceBrowser m_network;
     std::optional<BluetoothTrackerManager> m_manager;
     int m_delivered = 0;
     std::chrono::steady_clock::time_point m_lastNews;

@@ -16,6 +16,7 @@
 #include "platform/simulated/FakeNotificationCenter.h"
 #include "platform/simulated/FakePreferences.h"
 #include "platform/simulated/FakeScheduler.h"
+#include "platform/simulated/FakeServiceBrowser.h"
 #include "platform/simulated/FakeSystemSound.h"
 #include "platform/simulated/FakeWakeMonitor.h"
 
@@ -43,6 +44,7 @@ struct ModelBench {
     FakeSystemSound sound;
     FakeWakeMonitor wake;
     FakeMessageTransport messages;
+    FakeServiceBrowser network;
     NightjarModel model{{.host = rig.host,
                          .mainThread = rig.mainThread,
                          .scheduler = scheduler,
@@ -53,7 +55,8 @@ struct ModelBench {
                          .location = location,
                          .sound = sound,
                          .wake = wake,
-                         .messages = messages},
+                         .messages = messages,
+                         .services = network},
                         std::make_unique<MeshRadio>(rig.host, rig.mainThread, rig.clock)};
 };
 

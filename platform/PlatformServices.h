@@ -10,6 +10,7 @@
 #include "platform/NotificationCenter.h"
 #include "platform/Preferences.h"
 #include "platform/Scheduler.h"
+#include "platform/ServiceBrowser.h"
 #include "platform/SystemSound.h"
 #include "platform/TextServices.h"
 #include "platform/WakeMonitor.h"
@@ -29,6 +30,7 @@ struct PlatformServices {
     SystemSound& sound;
     WakeMonitor& wake;
     MessageTransport& messages;
+    ServiceBrowser& services;
 };
 
 } // namespace nightjar

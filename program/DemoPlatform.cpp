@@ -33,7 +33,8 @@ PlatformServices DemoPlatform::services() {
             .location = m_location,
             .sound = m_sound,
             .wake = m_wake,
-            .messages = m_messages};
+            .messages = m_messages,
+            .services = m_network};
 }
 
 void DemoPlatform::begin() {

@@ -10,6 +10,7 @@
 #include "platform/simulated/BluetoothWorld.h"
 #include "platform/simulated/FakeBluetoothCentral.h"
 #include "platform/simulated/FakeMessageTransport.h"
+#include "platform/simulated/FakeServiceBrowser.h"
 #include "platform/simulated/FakeSystemSound.h"
 #include "platform/simulated/FakeWakeMonitor.h"
 #include "program/DemoLocation.h"
@@ -46,6 +47,7 @@ private:
     FakeSystemSound m_sound;
     FakeWakeMonitor m_wake;
     FakeMessageTransport m_messages;
+    FakeServiceBrowser m_network;
     BluetoothWorld m_bluetoothWorld;
     Timer m_radioStart;
 };

@@ -34,7 +34,8 @@ PlatformServices with(NotificationCenter& notifications, const PlatformServices&
             .location = platform.location,
             .sound = platform.sound,
             .wake = platform.wake,
-            .messages = platform.messages};
+            .messages = platform.messages,
+            .services = platform.services};
 }
 
 } // namespace

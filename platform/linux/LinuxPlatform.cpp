@@ -47,7 +47,8 @@ PlatformServices LinuxPlatform::services() {
             .location = m_location,
             .sound = m_sound,
             .wake = m_wake,
-            .messages = m_messages};
+            .messages = m_messages,
+            .services = m_network};
 }
 
 } // namespace nightjar

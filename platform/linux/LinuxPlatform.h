@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/PlatformServices.h"
+#include "platform/linux/AbsentServiceBrowser.h"
 #include "platform/linux/AlertSound.h"
 #include "platform/linux/BluezCentral.h"
 #include "platform/linux/BundledSounds.h"
@@ -45,6 +46,7 @@ private:
     BundledSounds m_sound;
     LogindWakeMonitor m_wake;
     LinuxMessageTransport m_messages;
+    AbsentServiceBrowser m_network;
 };
 
 } // namespace nightjar

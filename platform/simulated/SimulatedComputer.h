@@ -9,6 +9,7 @@
 #include "platform/simulated/FakeNotificationCenter.h"
 #include "platform/simulated/FakePreferences.h"
 #include "platform/simulated/FakeScheduler.h"
+#include "platform/simulated/FakeServiceBrowser.h"
 #include "platform/simulated/FakeSystemSound.h"
 #include "platform/simulated/FakeTextServices.h"
 #include "platform/simulated/FakeWakeMonitor.h"
@@ -32,7 +33,8 @@ struct SimulatedComputer {
                 .location = location,
                 .sound = sound,
                 .wake = wake,
-                .messages = messages};
+                .messages = messages,
+                .services = network};
     }
 
     SimulatedHostEnvironment host;
@@ -46,6 +48,7 @@ struct SimulatedComputer {
     FakeSystemSound sound;
     FakeWakeMonitor wake;
     FakeMessageTransport messages;
+    FakeServiceBrowser network;
 };
 
 } // namespace nightjar

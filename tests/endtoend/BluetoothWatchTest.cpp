@@ -6,6 +6,7 @@
 #include "platform/simulated/FakeMessageTransport.h"
 #include "platform/simulated/FakeNotificationCenter.h"
 #include "platform/simulated/FakePreferences.h"
+#include "platform/simulated/FakeServiceBrowser.h"
 #include "platform/simulated/FakeSystemSound.h"
 #include "platform/simulated/FakeTextServices.h"
 #include "platform/simulated/SimulatedHostEnvironment.h"
@@ -44,7 +45,8 @@ protected:
                                                                              .location = location,
                                                                              .sound = sound,
                                                                              .wake = wake,
-                                                                             .messages = messages});
+                                                                             .messages = messages,
+                                                                             .services = network});
     }
     ~BluetoothWatchTest() override { manager.reset(); }
 
@@ -93,6 +95,7 @@ protected:
     FakeLocationSource location;
     FakeSystemSound sound;
     FakeMessageTransport messages;
+    FakeServiceBrowser network;
     ScriptedService login{bus->connect(), QStringLiteral("org.freedesktop.login1"),
                           QStringLiteral("/org/freedesktop")};
     LogindWakeMonitor wake{connector};

@@ -38,7 +38,8 @@ PlatformServices withMessages(const PlatformServices& base, MessageTransport& me
             .location = base.location,
             .sound = base.sound,
             .wake = base.wake,
-            .messages = messages};
+            .messages = messages,
+            .services = base.services};
 }
 
 /// Time that can leap ahead before a timer fires, as for a thread that was held up.

@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/simulated/FakeServiceBrowser.h"
+
+namespace nightjar {
+
+void FakeServiceBrowser::browse(const std::string& type) {
+    m_browsed.insert(type);
+}
+
+void FakeServiceBrowser::announce(const ServiceInstance& instance) {
+    if (m_instances[instance.type].insert(instance).second)
+        tellResults(instance.type);
+}
+
+void FakeServiceBrowser::vanish(const ServiceInstance& instance) {
+    if (m_instances[instance.type].erase(instance) > 0)
+        tellResults(instance.type);
+}
+
+void FakeServiceBrowser::setInstances(const std::string& type, std::set<ServiceInstance> instances) {
+    m_instances[type] = std::move(instances);
+    tellResults(type);
+}
+
+void FakeServiceBrowser::tell(const ServiceBrowserState& state) {
+    if (m_listener.onState)
+        m_listener.onState(state);
+}
+
+void FakeServiceBrowser::tellResults(const std::string& type) {
+    if (!m_browsed.contains(type) || !m_listener.onResults)
+        return;
+    const auto& instances = m_instances[type];
+    m_listener.onResults(type, {instances.begin(), instances.end()});
+}
+
+} // namespace nightjar
