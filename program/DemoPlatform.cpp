@@ -3,6 +3,7 @@
 #include "program/DemoPlatform.h"
 
 #include "program/DemoBluetooth.h"
+#include "program/DemoNetwork.h"
 
 #include <chrono>
 #include <utility>
@@ -18,7 +19,8 @@ constexpr std::chrono::milliseconds radioStart{600};
 
 DemoPlatform::DemoPlatform(DemoProfile profile)
     : m_profile(std::move(profile)),
-      m_bluetoothWorld(m_bluetooth, m_scheduler, demoPeripherals(), worldSeed) {
+      m_bluetoothWorld(m_bluetooth, m_scheduler, demoPeripherals(), worldSeed),
+      m_networkWorld(m_network, m_scheduler, demoHosts()) {
     m_preferences.setString("serialPort", m_profile.port());
 }
 
@@ -39,6 +41,7 @@ PlatformServices DemoPlatform::services() {
 
 void DemoPlatform::begin() {
     m_radioStart = m_scheduler.after(radioStart, [this] { m_bluetoothWorld.begin(); });
+    m_networkWorld.begin();
 }
 
 } // namespace nightjar

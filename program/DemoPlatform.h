@@ -13,13 +13,15 @@
 #include "platform/simulated/FakeServiceBrowser.h"
 #include "platform/simulated/FakeSystemSound.h"
 #include "platform/simulated/FakeWakeMonitor.h"
+#include "platform/simulated/NetworkWorld.h"
 #include "program/DemoLocation.h"
 #include "program/DemoProfile.h"
 
 namespace nightjar {
 
 /// The demo's computer with the real event loop: settings live in memory, notifications go nowhere, and
-/// Bluetooth devices are made up.
+/// Bluetooth
+/// devices and the network are made up.
 class DemoPlatform {
 public:
     /// The base radio of the profile is the one that was used last, so it is connected at the start.
@@ -49,6 +51,7 @@ private:
     FakeMessageTransport m_messages;
     FakeServiceBrowser m_network;
     BluetoothWorld m_bluetoothWorld;
+    NetworkWorld m_networkWorld;
     Timer m_radioStart;
 };
 
