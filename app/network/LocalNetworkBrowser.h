@@ -1,0 +1,79 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "app/ObservableController.h"
+#include "core/network/LocalNetworkDevice.h"
+#include "platform/PlatformServices.h"
+
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nightjar {
+
+/// The controller of the local network side: the browsing, the devices known, and the alerts of tracked
+/// devices that left. Main thread. Operations return at once and report through the published fields; they
+/// may be called from within any signal.
+class LocalNetworkBrowser : public ObservableController {
+    Q_OBJECT
+    Q_PROPERTY(std::vector<nightjar::LocalNetworkDevice> devices READ devices NOTIFY devicesChanged)
+    Q_PROPERTY(std::string state READ state NOTIFY stateChanged)
+    Q_PROPERTY(bool isScanning READ isScanning NOTIFY isScanningChanged)
+    Q_PROPERTY(std::optional<std::string> errorMessage READ errorMessage WRITE setErrorMessage NOTIFY
+                   errorMessageChanged)
+
+public:
+    /// What is browsed, in this order.
+    static constexpr std::array<std::string_view, 15> serviceTypes{
+        "_workstation._tcp", "_device-info._tcp", "_companion-link._tcp", "_airplay._tcp",
+        "_raop._tcp",        "_ipp._tcp",         "_ipps._tcp",           "_printer._tcp",
+        "_smb._tcp",         "_ssh._tcp",         "_http._tcp",           "_https._tcp",
+        "_homekit._tcp",     "_googlecast._tcp",  "_spotify-connect._tcp"};
+
+    /// Loads the known devices; nothing is browsed yet.
+    explicit LocalNetworkBrowser(const PlatformServices& platform);
+    ~LocalNetworkBrowser() override;
+
+    /// Online devices first, each group as a file browser sorts names. Sorted when looked at.
+    [[nodiscard]] const std::vector<LocalNetworkDevice>& devices() const;
+    [[nodiscard]] const std::string& state() const { return m_state.get(); }
+    [[nodiscard]] bool isScanning() const { return m_isScanning.get(); }
+    [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_errorMessage.get(); }
+    void setErrorMessage(const std::optional<std::string>& sentence) { m_errorMessage.set(sentence); }
+
+    /// Null when the device is not known. Does not search the list.
+    [[nodiscard]] const LocalNetworkDevice* deviceWith(const std::string& id) const;
+    /// The file of the known devices; absent when the user has no home.
+    [[nodiscard]] const std::optional<std::filesystem::path>& storageURL() const;
+
+    void start();
+    void stop();
+    void track(const std::string& id);
+    /// Ends its alert too.
+    void stopTracking(const std::string& id);
+    /// A device that is still announced comes back, untracked, with the next change of one of its services.
+    void forget(const std::string& id);
+    /// Turning the alert on tracks the device too.
+    void setLossAlert(bool enabled, const std::string& id);
+    /// In seconds; kept as it is given, unless it is no number. A grace that runs begins anew.
+    void setLossAlertDelay(double delay, const std::string& id);
+    /// How the departure alert of a device stands.
+    [[nodiscard]] std::string monitoringStatus(const LocalNetworkDevice& device) const;
+
+Q_SIGNALS:
+    void devicesChanged();
+    void stateChanged();
+    void isScanningChanged();
+    void errorMessageChanged();
+
+private:
+    Published<std::string> m_state;
+    Published<bool> m_isScanning;
+    Published<std::optional<std::string>> m_errorMessage;
+};
+
+} // namespace nightjar
