@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+
+namespace nightjar {
+
+/// The times that rule the proving of services; see ServiceProber.
+struct ProberSettings {
+    using Milliseconds = std::chrono::milliseconds;
+
+    /// A service that is there is asked again after this long, a tenth more or less.
+    Milliseconds period{60'000};
+    /// After a time-out or an error. Sooner, the daemon would send no question.
+    Milliseconds suspectPause{10'000};
+    /// While it is gone: with the 5 s that a question takes, a return is noticed within 30 s.
+    Milliseconds gonePause{25'000};
+    /// So many time-outs in a row mean that it is gone.
+    int timeoutsUntilGone = 3;
+    std::size_t mostInFlight = 16;
+    /// The daemon waits 5 s for an answer. A time-out that comes sooner is not one: its clock was moved, or
+    /// the computer slept.
+    Milliseconds shortestTimeout{3'000};
+    /// After the computer slept no time-out counts for so long: the network has to come back first.
+    Milliseconds wakeGrace{30'000};
+    /// When the date moves so much against steady time, the computer slept, or its clock was set.
+    Milliseconds sleepJump{5'000};
+    /// For so long it is our own link that is doubted when several devices fall silent together.
+    Milliseconds doubtLimit{120'000};
+};
+
+/// The times that rule the talk with the daemon of Avahi.
+struct AvahiSettings {
+    using Milliseconds = std::chrono::milliseconds;
+
+    /// A call without an answer has failed after this long.
+    Milliseconds answerTimeout{5'000};
+    /// The daemon itself gives up after 5 s.
+    Milliseconds resolveTimeout{15'000};
+    /// Starting the daemon may take this long.
+    Milliseconds startTimeout{30'000};
+
+    /// Changes of a set that come so close together are told at once.
+    Milliseconds coalescing{200};
+    /// A set counts as complete after this long when the daemon never says so.
+    Milliseconds completeAfter{5'000};
+    /// What was there before the daemon went is kept for so long after it came back and had its say.
+    Milliseconds holding{12'000};
+    /// A type that was refused is asked for again after this long.
+    Milliseconds refusedPause{60'000};
+
+    /// While browsing, the daemon is asked this often whether it lives ...
+    Milliseconds pingPeriod{30'000};
+    /// ... hangs when it has not answered within this time ...
+    Milliseconds pingTimeout{10'000};
+    /// ... and is asked again this often until it answers.
+    Milliseconds pingPause{10'000};
+
+    ProberSettings prober{};
+};
+
+} // namespace nightjar

@@ -1,0 +1,281 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/network/BrowserRig.h"
+#include "tests/network/FakeAvahi.h"
+#include "tests/platform/PrivateBus.h"
+
+#include <gmock/gmock.h>
+
+#include <optional>
+
+namespace nightjar {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Kind = ServiceBrowserState::Kind;
+
+const std::string ssh = "_ssh._tcp";
+const std::string http = "_http._tcp";
+
+/// Everything about a hundred times as fast.
+AvahiSettings hurried() {
+    AvahiSettings settings;
+    settings.answerTimeout = 500ms;
+    settings.coalescing = 20ms;
+    settings.holding = 300ms;
+    settings.refusedPause = 100ms;
+    settings.pingPeriod = 100ms;
+    settings.pingTimeout = 500ms;
+    settings.pingPause = 50ms;
+    settings.prober.period = 200ms;
+    settings.prober.suspectPause = 20ms;
+    settings.prober.gonePause = 50ms;
+    settings.prober.shortestTimeout = 0ms;
+    settings.prober.doubtLimit = 300ms;
+    return settings;
+}
+
+class AvahiServiceBrowserTest : public ::testing::Test {
+protected:
+    void startDaemon() { m_daemon.emplace(m_bus.connect()); }
+    /// Until the daemon browses the types.
+    [[nodiscard]] bool browse(const std::vector<std::string>& types = {ssh}) {
+        for (const auto& type : types)
+            m_rig.browser().browse(type);
+        return isBrowsed(types);
+    }
+    [[nodiscard]] bool isBrowsed(const std::vector<std::string>& types = {ssh}) {
+        return runEventsUntil([&] {
+                   return m_daemon && std::ranges::all_of(
+                                          types, [&](const auto& type) { return m_daemon->browses(type); });
+               }) &&
+               m_rig.becomes(Kind::ready);
+    }
+    [[nodiscard]] bool isHeard() { return m_daemon->service().isHeardBy(m_rig.bus()); }
+
+    PrivateBus m_bus;
+    std::optional<FakeAvahi> m_daemon;
+    BrowserRig m_rig{[this] { return m_bus.connect(); }, hurried()};
+};
+
+TEST_F(AvahiServiceBrowserTest, tellsCompleteSetsPerTypeAndNothingOfThisComputer) {
+    startDaemon();
+    ASSERT_TRUE(browse({ssh, http}));
+    m_daemon->announce(ssh, "fox", 4, 1, 0);
+    m_daemon->announce(ssh, "fox", 4, 1, 1);
+    m_daemon->announce(ssh, "fox", 4, 2, 0);
+    m_daemon->announce(ssh, "this computer", 4 | 8);
+    m_daemon->announce(http, "Überraschung\n\t\"x\" \u202e", 4);
+    m_daemon->finish(ssh);
+    m_daemon->finish(http);
+    ASSERT_TRUE(m_rig.tells(ssh, {"fox@net1", "fox@net2"}));
+    ASSERT_TRUE(m_rig.tells(http, {"Überraschung\n\t\"x\" \u202e@net1"}));
+    EXPECT_EQ(m_rig.sets[ssh].front().domain, "local.");
+    EXPECT_EQ(m_rig.states.front().kind, Kind::settingUp);
+
+    m_daemon->withdraw(ssh, "fox", 1, 0);
+    m_daemon->withdraw(ssh, "fox", 2, 0);
+    EXPECT_TRUE(m_rig.tells(ssh, {"fox@net1"}));
+    m_daemon->withdraw(ssh, "fox", 1, 1);
+    EXPECT_TRUE(m_rig.tells(ssh, {}));
+}
+
+TEST_F(AvahiServiceBrowserTest, oddSignalsChangeNothing) {
+    startDaemon();
+    ASSERT_TRUE(browse({ssh, http}));
+    m_daemon->item("ItemNew", ssh, "capitals", QStringLiteral("_SSH._TCP"), QStringLiteral("LOCAL."));
+    m_daemon->item("ItemNew", ssh, "other type", QStringLiteral("_ftp._tcp"), QStringLiteral("local"));
+    m_daemon->item("ItemNew", ssh, "other domain", QStringLiteral("_ssh._tcp"),
+                   QStringLiteral("example.org"));
+    m_daemon->announce(ssh, std::string());
+    m_daemon->announce(ssh, std::string(5'000, 'x'));
+    m_daemon->tell(ssh, "ItemNew", {QStringLiteral("what?")});
+    m_daemon->tell(ssh, "ItemRemove", {1, 0, QStringLiteral("capitals")});
+    m_daemon->withdraw(ssh, "nobody");
+    m_daemon->service().tell(
+        QStringLiteral("/Client9/ServiceBrowser9"), avahi::serviceBrowser, QStringLiteral("ItemNew"),
+        {1, 0, QStringLiteral("stranger"), QStringLiteral("_ssh._tcp"), QStringLiteral("local"), 4u});
+    auto impostor =
+        QDBusMessage::createSignal(m_daemon->path(ssh), avahi::serviceBrowser, QStringLiteral("ItemNew"));
+    impostor.setArguments(
+        {1, 0, QStringLiteral("impostor"), QStringLiteral("_ssh._tcp"), QStringLiteral("local"), 4u});
+    ASSERT_TRUE(m_bus.connect().send(impostor));
+    m_daemon->finish(ssh);
+
+    EXPECT_TRUE(m_rig.tells(ssh, {"capitals@net1"}));
+    EXPECT_EQ(m_rig.sets[ssh].front().type, ssh);
+    EXPECT_TRUE(m_rig.becomes(Kind::ready));
+}
+
+TEST_F(AvahiServiceBrowserTest, aDaemonThatComesLaterIsFound) {
+    m_rig.browser().browse(ssh);
+    ASSERT_TRUE(m_rig.becomes(Kind::waiting));
+    EXPECT_EQ(m_rig.states.back().code, 0);
+    EXPECT_FALSE(m_rig.states.back().description.empty());
+    startDaemon();
+
+    EXPECT_TRUE(isBrowsed());
+}
+
+TEST_F(AvahiServiceBrowserTest, refusalsAndFailuresAreToldAndTriedAgain) {
+    struct Case {
+        const char* method;
+        const char* error;
+        Kind kind;
+        int code;
+    };
+    startDaemon();
+    for (const auto& [method, error, kind, code] :
+         {Case{"ServiceBrowserPrepare", "org.freedesktop.DBus.Error.AccessDenied", Kind::waiting,
+               ServiceBrowserState::policyDenied},
+          Case{"Start", "org.freedesktop.Avahi.NotPermittedError", Kind::waiting,
+               ServiceBrowserState::policyDenied},
+          Case{"ServiceBrowserPrepare", "org.freedesktop.Avahi.InvalidServiceTypeError", Kind::failed, 0},
+          Case{"ServiceBrowserPrepare", "org.freedesktop.DBus.Error.UnknownMethod", Kind::failed, 0}}) {
+        SCOPED_TRACE(error);
+        m_daemon->service().refuse(method, QString::fromLatin1(error), QStringLiteral("Not today"));
+        m_rig.browser().browse(ssh);
+        ASSERT_TRUE(m_rig.becomes(kind));
+        EXPECT_EQ(m_rig.states.back().code, code);
+        EXPECT_EQ(m_rig.states.back().description, "Not today");
+
+        m_daemon->answerAll();
+        EXPECT_TRUE(m_rig.becomes(Kind::ready));
+        m_rig.browser().cancel();
+    }
+}
+
+TEST_F(AvahiServiceBrowserTest, aBrowserThatFailsKeepsItsSetUntilTheNextHasLookedAround) {
+    startDaemon();
+    ASSERT_TRUE(browse());
+    m_daemon->announce(ssh, "fox");
+    m_daemon->finish(ssh);
+    ASSERT_TRUE(m_rig.tells(ssh, {"fox@net1"}));
+    m_daemon->tell(ssh, "Failure", {QStringLiteral("Out of order")});
+    ASSERT_TRUE(m_rig.becomes(Kind::failed));
+    EXPECT_EQ(m_rig.states.back().description, "Out of order");
+
+    ASSERT_TRUE(isBrowsed());
+    m_daemon->announce(ssh, "owl");
+    m_daemon->finish(ssh);
+    EXPECT_TRUE(m_rig.tells(ssh, {"fox@net1", "owl@net1"}));
+    EXPECT_TRUE(m_rig.tells(ssh, {"owl@net1"}));
+}
+
+TEST_F(AvahiServiceBrowserTest, aDaemonThatDiesAndComesBackMakesNobodyLeave) {
+    startDaemon();
+    ASSERT_TRUE(browse());
+    m_daemon->announce(ssh, "fox");
+    m_daemon->announce(ssh, "owl");
+    m_daemon->finish(ssh);
+    ASSERT_TRUE(m_rig.tells(ssh, {"fox@net1", "owl@net1"}));
+    for (int round = 0; round < 3; ++round) {
+        m_daemon.reset();
+        ASSERT_TRUE(m_rig.becomes(Kind::waiting));
+        startDaemon();
+        ASSERT_TRUE(isBrowsed());
+        m_daemon->finish(ssh);
+        m_daemon->announce(ssh, "fox");
+        m_daemon->announce(ssh, "owl");
+        ASSERT_TRUE(isHeard());
+    }
+    EXPECT_EQ(m_rig.smallest[ssh], 2u);
+
+    m_daemon.reset();
+    ASSERT_TRUE(m_rig.becomes(Kind::waiting));
+    startDaemon();
+    ASSERT_TRUE(isBrowsed());
+    m_daemon->announce(ssh, "owl");
+    m_daemon->finish(ssh);
+    EXPECT_TRUE(m_rig.tells(ssh, {"owl@net1"}));
+    EXPECT_EQ(m_rig.smallest[ssh], 1u);
+}
+
+TEST_F(AvahiServiceBrowserTest, aFrozenDaemonIsNoticedAndItsBrowsersAreFreedAfterwards) {
+    startDaemon();
+    ASSERT_TRUE(browse());
+    m_daemon->announce(ssh, "fox");
+    m_daemon->finish(ssh);
+    ASSERT_TRUE(m_rig.tells(ssh, {"fox@net1"}));
+    const auto oldPath = m_daemon->path(ssh);
+    m_daemon->hang();
+    ASSERT_TRUE(m_rig.becomes(Kind::waiting));
+
+    m_daemon->answerAll();
+    ASSERT_TRUE(m_rig.becomes(Kind::ready));
+    EXPECT_NE(m_daemon->path(ssh), oldPath);
+    ASSERT_EQ(m_daemon->service().count("Free"), 1u);
+    EXPECT_EQ(m_daemon->service().calls("Free").front().path(), oldPath);
+    EXPECT_EQ(m_rig.smallest[ssh], 1u);
+}
+
+TEST_F(AvahiServiceBrowserTest, aBusThatSaysNothingIsWaitedForWithoutStanding) {
+    m_bus.freeze();
+    m_rig.browser().browse(ssh);
+    EXPECT_TRUE(m_rig.becomes(Kind::waiting));
+    m_bus.thaw();
+    startDaemon();
+
+    EXPECT_TRUE(isBrowsed());
+}
+
+TEST_F(AvahiServiceBrowserTest, theDeadAreTakenOutAndComeBack) {
+    startDaemon();
+    m_daemon->dead = {"ghost"};
+    ASSERT_TRUE(browse());
+    for (const auto* name : {"fox", "ghost", "owl"})
+        m_daemon->announce(ssh, name, 4 | 1);
+    m_daemon->finish(ssh);
+    ASSERT_TRUE(m_rig.tells(ssh, {"fox@net1", "owl@net1"}));
+
+    m_daemon->dead = {"ghost", "owl"};
+    ASSERT_TRUE(m_rig.tells(ssh, {"fox@net1"}));
+    m_daemon->dead = {};
+    ASSERT_TRUE(m_rig.tells(ssh, {"fox@net1", "ghost@net1", "owl@net1"}));
+
+    m_daemon->dead = {"fox", "ghost", "owl"};
+    ASSERT_TRUE(m_rig.becomes(Kind::waiting));
+    ASSERT_TRUE(m_rig.tells(ssh, {}));
+    EXPECT_TRUE(m_rig.becomes(Kind::ready));
+}
+
+TEST_F(AvahiServiceBrowserTest, cancelFreesTheBrowsersAndTellsNothingMore) {
+    startDaemon();
+    ASSERT_TRUE(browse());
+    const auto path = m_daemon->path(ssh);
+    m_daemon->finish(ssh);
+    ASSERT_TRUE(isHeard());
+    m_rig.browser().browse(http);
+    m_rig.browser().cancel();
+    m_rig.sets.clear();
+    m_rig.states.clear();
+    // The second one was still being made.
+    ASSERT_TRUE(runEventsUntil([&] { return m_daemon->service().count("Free") == 2; }));
+    m_daemon->announce(http, "fox");
+    m_daemon->announce(ssh, "fox");
+    m_daemon->finish(ssh);
+    ASSERT_TRUE(isHeard());
+    EXPECT_THAT(m_rig.sets, IsEmpty());
+    EXPECT_THAT(m_rig.states, IsEmpty());
+
+    ASSERT_TRUE(browse());
+    EXPECT_NE(m_daemon->path(ssh), path);
+    m_daemon->finish(ssh);
+    EXPECT_TRUE(m_rig.tells(ssh, {}));
+}
+
+TEST_F(AvahiServiceBrowserTest, fiveThousandInstancesAreAllTold) {
+    startDaemon();
+    ASSERT_TRUE(browse());
+    for (int i = 0; i < 5'000; ++i)
+        m_daemon->announce(ssh, "device " + std::to_string(i));
+    m_daemon->finish(ssh);
+
+    EXPECT_TRUE(runEventsUntil([&] { return m_rig.sets[ssh].size() == 5'000; }));
+    EXPECT_TRUE(m_rig.becomes(Kind::ready));
+}
+
+} // namespace
+} // namespace nightjar

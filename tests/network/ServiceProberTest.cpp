@@ -1,0 +1,254 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/linux/ServiceProber.h"
+
+#include "platform/simulated/FakeScheduler.h"
+
+#include <gmock/gmock.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace nightjar {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Answer = ServiceProber::Answer;
+using Source = ServiceProber::Source;
+
+ServiceInstance service(const std::string& name, const std::string& type = "_ssh._tcp") {
+    return {.name = name, .type = type, .domain = "local."};
+}
+
+/// A network whose devices answer after 50 ms, or not at all, which the daemon tells after 5 s.
+class ServiceProberTest : public ::testing::Test {
+protected:
+    void ask(const ServiceInstance& instance, std::function<void(Answer)> answered) {
+        EXPECT_TRUE(m_underWay.insert(instance).second) << "asked twice at once";
+        m_mostUnderWay = std::max(m_mostUnderWay, m_underWay.size());
+        m_asked.push_back(instance.name);
+        const bool isSilent = m_isAllSilent || m_silent.contains(instance.name);
+        const auto answer = isSilent ? Answer::timeout : m_answer;
+        m_timers.push_back(m_scheduler.after(isSilent ? m_timeout : 50ms, [this, instance, answer, answered] {
+            m_underWay.erase(instance);
+            answered(answer);
+        }));
+    }
+
+    bool isThere(const std::string& name) { return m_prober.isThere(service(name)).value(); }
+    void addHeard(const std::vector<std::string>& names) {
+        for (const auto& name : names)
+            m_prober.add(service(name), Source::heard);
+    }
+    /// How long until it is no longer there, or is there again.
+    std::chrono::seconds timeUntilChange(const std::string& name, std::chrono::seconds limit = 20min) {
+        const bool before = isThere(name);
+        auto waited = 0s;
+        for (; isThere(name) == before && waited < limit; waited += 1s)
+            m_scheduler.advance(1s);
+        return waited;
+    }
+
+    FakeScheduler m_scheduler;
+    std::set<std::string> m_silent;
+    bool m_isAllSilent = false;
+    Answer m_answer = Answer::there;
+    std::chrono::milliseconds m_timeout = 5s;
+    std::set<ServiceInstance> m_underWay;
+    std::size_t m_mostUnderWay = 0;
+    std::vector<std::string> m_asked;
+    std::vector<std::string> m_changes;
+    std::vector<Timer> m_timers;
+    int m_settled = 0;
+    int m_doubts = 0;
+    ServiceProber m_prober{
+        m_scheduler,
+        ProberSettings{},
+        [this](const ServiceInstance& instance, auto answered) { ask(instance, std::move(answered)); },
+        {.changed = [this](const ServiceInstance& instance) { m_changes.push_back(instance.name); },
+         .settled = [this] { ++m_settled; },
+         .doubtChanged = [this] { m_doubts += m_prober.isInDoubt() ? 1 : 0; }}};
+};
+
+TEST_F(ServiceProberTest, deviceWithoutPowerIsGoneWithinThreeMinutesAndBackWithinThirtySeconds) {
+    addHeard({"printer", "lamp", "shelf"});
+    m_scheduler.advance(10min);
+    EXPECT_THAT(m_changes, IsEmpty());
+
+    m_silent = {"printer"};
+    EXPECT_LE(timeUntilChange("printer"), 180s);
+    EXPECT_TRUE(isThere("lamp"));
+    m_scheduler.advance(1h);
+    EXPECT_THAT(m_changes, ElementsAre("printer"));
+
+    m_silent.clear();
+    EXPECT_LE(timeUntilChange("printer"), 30s);
+    EXPECT_THAT(m_changes, ElementsAre("printer", "printer"));
+}
+
+TEST_F(ServiceProberTest, twoTimeoutsAndAnAnswerAreNoLoss) {
+    addHeard({"printer", "lamp"});
+    m_scheduler.advance(2min);
+    for (int round = 0; round < 50; ++round) {
+        m_silent = {"printer"};
+        while (std::ranges::count(m_asked, "printer") < 2)
+            m_scheduler.advance(100ms);
+        m_asked.clear();
+        m_silent.clear();
+        m_scheduler.advance(2min);
+    }
+
+    EXPECT_THAT(m_changes, IsEmpty());
+}
+
+TEST_F(ServiceProberTest, whatIsNoTimeoutOfTheDaemonIsNoEvidence) {
+    struct Case {
+        const char* what;
+        Answer answer;
+        std::chrono::milliseconds timeout;
+        bool isSilent;
+    };
+    for (const auto& [what, answer, timeout, isSilent] :
+         {Case{"an error", Answer::error, 5s, false},
+          Case{"a time-out at once", Answer::there, 100ms, true}}) {
+        SCOPED_TRACE(what);
+        m_prober.clear();
+        addHeard({"printer", "lamp"});
+        m_answer = answer;
+        m_timeout = timeout;
+        m_silent = isSilent ? std::set<std::string>{"printer"} : std::set<std::string>{};
+        m_scheduler.advance(1h);
+
+        EXPECT_THAT(m_changes, IsEmpty());
+    }
+}
+
+TEST_F(ServiceProberTest, whatTheDaemonRemembersIsThereAfterItsFirstAnswer) {
+    m_silent = {"dead"};
+    for (const auto* name : {"alive", "dead"})
+        m_prober.add(service(name), Source::remembered);
+    m_prober.add(service("known"), Source::knownBefore);
+    EXPECT_TRUE(isThere("known"));
+    EXPECT_FALSE(isThere("alive"));
+
+    m_scheduler.advance(100ms);
+    EXPECT_TRUE(isThere("alive"));
+    EXPECT_EQ(m_settled, 0);
+    m_scheduler.advance(10min);
+    EXPECT_EQ(m_settled, 1);
+    EXPECT_THAT(m_changes, ElementsAre("alive"));
+
+    m_prober.add(service("dead"), Source::heard);
+    EXPECT_TRUE(isThere("dead"));
+}
+
+TEST_F(ServiceProberTest, atMostSixteenAreAskedAtOnceTheImportantOnesFirst) {
+    m_prober.setImportant([](const ServiceInstance& instance) { return instance.name == "wanted"; });
+    m_isAllSilent = true;
+    for (int i = 0; i < 100; ++i)
+        m_prober.add(service("device " + std::to_string(i)), Source::remembered);
+    m_prober.add(service("wanted"), Source::remembered);
+    m_scheduler.advance(1ms);
+
+    EXPECT_EQ(m_asked.front(), "wanted");
+    m_scheduler.advance(5min);
+    EXPECT_EQ(m_mostUnderWay, 16u);
+}
+
+TEST_F(ServiceProberTest, silenceOfAllIsDoubtedForTwoMinutesAndThenBelieved) {
+    addHeard({"printer", "lamp", "shelf"});
+    m_scheduler.advance(10min);
+    m_isAllSilent = true;
+    while (!m_prober.isInDoubt())
+        m_scheduler.advance(1s);
+    m_scheduler.advance(115s);
+    EXPECT_THAT(m_changes, IsEmpty());
+    m_scheduler.advance(10s);
+    EXPECT_FALSE(isThere("printer") && isThere("lamp") && isThere("shelf"));
+    m_scheduler.advance(2min);
+
+    EXPECT_FALSE(isThere("printer") || isThere("lamp") || isThere("shelf"));
+    EXPECT_FALSE(m_prober.isInDoubt());
+    EXPECT_EQ(m_doubts, 1);
+    m_isAllSilent = false;
+    EXPECT_LE(timeUntilChange("lamp"), 30s);
+}
+
+TEST_F(ServiceProberTest, afterADisturbanceOnlyTheOneThatStaysSilentIsGone) {
+    addHeard({"printer", "lamp", "shelf"});
+    m_scheduler.advance(10min);
+    m_isAllSilent = true;
+    while (!m_prober.isInDoubt())
+        m_scheduler.advance(1s);
+    m_scheduler.advance(60s);
+    m_isAllSilent = false;
+    m_silent = {"printer"};
+    m_scheduler.advance(1min);
+
+    EXPECT_THAT(m_changes, ElementsAre("printer"));
+    EXPECT_FALSE(m_prober.isInDoubt());
+}
+
+TEST_F(ServiceProberTest, theOnlyDeviceIsNotDoubted) {
+    m_prober.add(service("printer", "_ipp._tcp"), Source::heard);
+    m_prober.add(service("printer", "_http._tcp"), Source::heard);
+    m_scheduler.advance(10min);
+    m_isAllSilent = true;
+    m_scheduler.advance(3min);
+
+    EXPECT_FALSE(m_prober.isThere(service("printer", "_ipp._tcp")).value());
+    EXPECT_EQ(m_doubts, 0);
+}
+
+TEST_F(ServiceProberTest, timeoutsAroundASleepAreNoEvidence) {
+    addHeard({"printer", "lamp"});
+    m_scheduler.advance(10min);
+    m_silent = {"printer"};
+    m_asked.clear();
+    while (std::ranges::count(m_asked, "printer") < 3)
+        m_scheduler.advance(100ms);
+    // Steady time stood still meanwhile; the third question ends after it.
+    m_scheduler.setDate(m_scheduler.now() + Seconds(3'600));
+    m_scheduler.advance(29s);
+    m_silent.clear();
+    m_scheduler.advance(5min);
+
+    EXPECT_THAT(m_changes, IsEmpty());
+}
+
+TEST_F(ServiceProberTest, answersForWhatWasRemovedMeanwhileDoNotCount) {
+    m_prober.add(service("printer"), Source::remembered);
+    m_scheduler.advance(10ms);
+    m_prober.remove(service("printer"));
+    m_underWay.clear();
+    m_silent = {"printer"};
+    m_prober.add(service("printer"), Source::remembered);
+    m_scheduler.advance(1s);
+    EXPECT_FALSE(isThere("printer"));
+
+    m_prober.clear();
+    m_underWay.clear();
+    m_silent.clear();
+    m_prober.add(service("printer"), Source::remembered);
+    m_scheduler.advance(10s);
+    EXPECT_TRUE(isThere("printer"));
+    EXPECT_FALSE(m_prober.isUnsettled());
+}
+
+TEST_F(ServiceProberTest, manyDevicesAreAllAskedInEachPeriod) {
+    for (int i = 0; i < 5'000; ++i)
+        m_prober.add(service("device " + std::to_string(i)), Source::heard);
+    m_scheduler.advance(70s);
+    m_asked.clear();
+    m_scheduler.advance(67s);
+
+    EXPECT_EQ(std::set(m_asked.begin(), m_asked.end()).size(), 5'000u);
+    EXPECT_THAT(m_changes, IsEmpty());
+}
+
+} // namespace
+} // namespace nightjar
