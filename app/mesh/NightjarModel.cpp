@@ -25,6 +25,7 @@ std::optional<std::filesystem::path> fileIn(const std::optional<std::filesystem:
 NightjarModel::NightjarModel(const PlatformServices& platform, std::unique_ptr<RadioLink> radio)
     : m_platform(platform),
       m_bluetoothTrackers(platform),
+      m_localNetwork(platform),
       m_radio(std::move(radio)),
       m_folder(dataFolder(platform.host)),
       m_positionStore(fileIn(m_folder, "positions.json")),

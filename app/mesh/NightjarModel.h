@@ -14,6 +14,7 @@
 #include "app/mesh/MovementGuard.h"
 #include "app/mesh/NodeTable.h"
 #include "app/mesh/RadioSettingsFlow.h"
+#include "app/network/LocalNetworkBrowser.h"
 #include "core/bridge/MeshtasticBridge.h"
 #include "core/mesh/MeshMessage.h"
 #include "core/mesh/MeshNode.h"
@@ -121,8 +122,9 @@ public:
     void setMessageChannel(std::uint32_t channel) { m_conversation.setChannel(channel); }
     void setSelectedSettingsTab(SettingsTab tab) { m_selectedSettingsTab.set(tab); }
 
-    /// The other watch that this controller brings with it; lives as long as this one.
+    /// The other watches that this controller brings with it; they live as long as this one.
     [[nodiscard]] BluetoothTrackerManager& bluetoothTrackers() { return m_bluetoothTrackers; }
+    [[nodiscard]] LocalNetworkBrowser& localNetwork() { return m_localNetwork; }
 
     [[nodiscard]] std::optional<std::uint32_t> guardedNodeID() const { return m_guard.guardedNodeID(); }
     [[nodiscard]] std::vector<MeshNode> directlyHeardNodes() const;
@@ -190,6 +192,7 @@ private:
 
     PlatformServices m_platform;
     BluetoothTrackerManager m_bluetoothTrackers;
+    LocalNetworkBrowser m_localNetwork;
     std::unique_ptr<RadioLink> m_radio;
     std::optional<std::filesystem::path> m_folder; ///< absent when the user has no home
     PositionStore m_positionStore;

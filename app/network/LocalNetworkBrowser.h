@@ -3,7 +3,11 @@
 #pragma once
 
 #include "app/ObservableController.h"
+#include "app/network/DepartureMonitor.h"
+#include "app/network/KnownDevices.h"
+#include "app/network/ServicePresence.h"
 #include "core/network/LocalNetworkDevice.h"
+#include "core/network/LocalNetworkDevicesFile.h"
 #include "platform/PlatformServices.h"
 
 #include <array>
@@ -39,16 +43,18 @@ public:
     ~LocalNetworkBrowser() override;
 
     /// Online devices first, each group as a file browser sorts names. Sorted when looked at.
-    [[nodiscard]] const std::vector<LocalNetworkDevice>& devices() const;
+    [[nodiscard]] const std::vector<LocalNetworkDevice>& devices() const { return m_devices.list(); }
     [[nodiscard]] const std::string& state() const { return m_state.get(); }
     [[nodiscard]] bool isScanning() const { return m_isScanning.get(); }
     [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_errorMessage.get(); }
     void setErrorMessage(const std::optional<std::string>& sentence) { m_errorMessage.set(sentence); }
 
     /// Null when the device is not known. Does not search the list.
-    [[nodiscard]] const LocalNetworkDevice* deviceWith(const std::string& id) const;
+    [[nodiscard]] const LocalNetworkDevice* deviceWith(const std::string& id) const {
+        return m_devices.find(id);
+    }
     /// The file of the known devices; absent when the user has no home.
-    [[nodiscard]] const std::optional<std::filesystem::path>& storageURL() const;
+    [[nodiscard]] const std::optional<std::filesystem::path>& storageURL() const { return m_file.path(); }
 
     void start();
     void stop();
@@ -71,9 +77,43 @@ Q_SIGNALS:
     void errorMessageChanged();
 
 private:
+    void listen();
+    void receive(const std::vector<ServiceInstance>& instances, const std::string& serviceType);
+    void handle(const ServiceBrowserState& browser);
+    void recordResults(const std::vector<ServiceInstance>& instances, const std::string& serviceType);
+    [[nodiscard]] std::vector<LocalNetworkDevice> updateMonitoring(SteadyTime now);
+    void checkLossAlerts(SteadyTime now);
+    void postLeft(const LocalNetworkDevice& device);
+    void postReturned(const LocalNetworkDevice& device);
+
+    void regainSight(SteadyTime now);
+    [[nodiscard]] bool mayHaveMissedResults(SteadyTime now);
+
+    template <class Change>
+    bool change(const std::string& id, Change&& applyTo);
+    void publishScanning();
+    /// Unless another scan has begun or ended since.
+    void show(std::string_view text, int generation);
+    void tellImportant();
+    void saveSoon();
+    void saveDevices();
+
+    PlatformServices m_platform;
+    LocalNetworkDevicesFile m_file;
+    KnownDevices m_devices;
+    ServicePresence m_presence;
+    DepartureMonitor m_departures;
     Published<std::string> m_state;
-    Published<bool> m_isScanning;
+    Published<bool> m_isScanning; ///< follows `m_isBrowsing`
     Published<std::optional<std::string>> m_errorMessage;
+
+    bool m_isBrowsing = false;
+    int m_generation = 0;   ///< of scans and of the times between them
+    bool m_isBlind = false; ///< nothing can be heard of the network
+    SteadyTime m_lastCheck{};
+    SteadyTime m_judgesFrom{}; ///< before, absence may be a thing of the past
+    Timer m_monitorTimer;
+    Timer m_save;
 };
 
 } // namespace nightjar
