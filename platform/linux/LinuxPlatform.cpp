@@ -34,7 +34,9 @@ LinuxPlatform::LinuxPlatform()
       m_location(m_systemBus, m_scheduler, NotificationSettings().desktopEntry),
       m_sound(m_player, BundledSounds::folderBeside(QCoreApplication::applicationDirPath().toStdString())),
       m_wake(m_systemBus),
-      m_messages(m_systemBus, m_sessionBus) {}
+      m_messages(m_systemBus, m_sessionBus),
+      m_networkBus(m_mainThread, m_scheduler, BusConnector::openSystemBus),
+      m_network(m_networkBus, m_scheduler) {}
 
 PlatformServices LinuxPlatform::services() {
     return {.host = m_host,

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "platform/PlatformServices.h"
-#include "platform/linux/AbsentServiceBrowser.h"
 #include "platform/linux/AlertSound.h"
+#include "platform/linux/AvahiServiceBrowser.h"
 #include "platform/linux/BluezCentral.h"
 #include "platform/linux/BundledSounds.h"
 #include "platform/linux/BusConnector.h"
@@ -46,7 +46,8 @@ private:
     BundledSounds m_sound;
     LogindWakeMonitor m_wake;
     LinuxMessageTransport m_messages;
-    AbsentServiceBrowser m_network;
+    BusConnector m_networkBus;
+    AvahiServiceBrowser m_network;
 };
 
 } // namespace nightjar
