@@ -17,6 +17,7 @@
 #include <cstring>
 #include <future>
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -39,6 +40,11 @@ public:
     SilentSocket(const SilentSocket&) = delete;
     SilentSocket& operator=(const SilentSocket&) = delete;
 
+    /// Whether somebody has connected.
+    [[nodiscard]] bool isCalled() const {
+        pollfd entry{.fd = m_socket, .events = POLLIN, .revents = 0};
+        return ::poll(&entry, 1, 0) == 1;
+    }
     [[nodiscard]] std::string path() const { return m_folder.filePath(QStringLiteral("bus")).toStdString(); }
 
 private:
@@ -104,7 +110,7 @@ TEST_F(BusConnectorTest, aBusThatSaysNothingHoldsUpNoOther) {
     const auto told = record(session);
 
     system.open();
-    EXPECT_FALSE(system.busWithin(200ms).isConnected());
+    ASSERT_TRUE(runEventsUntil([&] { return silent->isCalled(); }));
     session.open();
     EXPECT_TRUE(runEventsUntil([&] { return *told == "o"; }, 5s));
     EXPECT_TRUE(session.bus().interface()->isServiceRegistered(QStringLiteral("org.freedesktop.DBus")));
