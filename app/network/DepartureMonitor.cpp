@@ -4,6 +4,11 @@
 
 namespace nightjar {
 
+void DepartureMonitor::arm(const std::string& id) {
+    m_heardThisSession.insert(id);
+    m_offlineSince.erase(id);
+}
+
 void DepartureMonitor::disarmAll() {
     m_heardThisSession.clear();
     m_offlineSince.clear();
@@ -11,7 +16,6 @@ void DepartureMonitor::disarmAll() {
 
 bool DepartureMonitor::noteOnline(const std::string& id) {
     arm(id);
-    m_offlineSince.erase(id);
     return m_lossAlertedIDs.erase(id) > 0;
 }
 

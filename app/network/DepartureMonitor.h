@@ -23,11 +23,14 @@ public:
         return device.isTracked && device.lossAlertEnabled;
     }
 
-    void arm(const std::string& id) { m_heardThisSession.insert(id); }
+    /// A device that is online is watched from now on.
+    void arm(const std::string& id);
     /// A scan begins or ends; who has been alerted stays.
     void disarmAll();
     /// A device that is watched is online. Whether its return is to be told.
     [[nodiscard]] bool noteOnline(const std::string& id);
+    /// One that is not watched is. Should it be watched when it leaves again, its grace begins then.
+    void noteUnwatchedOnline(const std::string& id) { m_offlineSince.erase(id); }
     /// A device that is watched is offline.
     void noteOffline(const std::string& id, SteadyTime now);
     void noteAlerted(const std::string& id) { m_lossAlertedIDs.insert(id); }

@@ -39,6 +39,9 @@ void KnownDevices::hear(const std::string& id, const ServiceInstance& instance, 
         m_sortIsDue = true;
     }
     device.record(instance.type, instance.interfaceName.value_or(""), at);
+}
+
+void KnownDevices::leaveKeptOrder() {
     if (std::exchange(m_isInKeptOrder, false))
         m_sortIsDue = true;
 }

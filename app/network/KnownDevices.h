@@ -21,7 +21,7 @@ public:
     /// `kept` has one record for each id; nobody is online yet.
     KnownDevices(const TextServices& text, std::vector<LocalNetworkDevice> kept);
 
-    /// Once somebody was heard: online devices before the others, each group by name as a file browser sorts
+    /// Once somebody listened: online devices before the others, each group by name as a file browser sorts
     /// them. The pointers that `find` gave are void after a sorting.
     [[nodiscard]] const std::vector<LocalNetworkDevice>& list() const;
     /// In no particular order.
@@ -33,6 +33,8 @@ public:
     /// Records a service for the device of that id, which is made when it is not known.
     void hear(const std::string& id, const ServiceInstance& instance, Date at);
     void setOffline(const std::string& id);
+    /// Somebody listens now.
+    void leaveKeptOrder();
     /// Leaves the order.
     void setAllOffline();
     void remove(const std::string& id);

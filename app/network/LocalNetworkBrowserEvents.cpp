@@ -65,18 +65,20 @@ void LocalNetworkBrowser::recordResults(const std::vector<ServiceInstance>& inst
     }
     for (const std::string& device : m_presence.replace(serviceType, sightings))
         m_devices.setOffline(device);
+    m_devices.leaveKeptOrder();
 }
 
 /// The devices whose return is to be told.
 std::vector<LocalNetworkDevice> LocalNetworkBrowser::updateMonitoring(SteadyTime now) {
     std::vector<LocalNetworkDevice> returned;
     for (const LocalNetworkDevice& device : m_devices.unsorted()) {
-        if (!DepartureMonitor::watches(device))
-            continue;
-        if (!device.isOnline)
-            m_departures.noteOffline(device.id, now);
-        else if (m_departures.noteOnline(device.id))
+        const bool isWatched = DepartureMonitor::watches(device);
+        if (device.isOnline && !isWatched)
+            m_departures.noteUnwatchedOnline(device.id);
+        else if (device.isOnline && m_departures.noteOnline(device.id))
             returned.push_back(device);
+        else if (!device.isOnline && isWatched)
+            m_departures.noteOffline(device.id, now);
     }
     return returned;
 }

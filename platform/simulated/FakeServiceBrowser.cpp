@@ -28,6 +28,12 @@ void FakeServiceBrowser::tell(const ServiceBrowserState& state) {
         m_listener.onState(state);
 }
 
+void FakeServiceBrowser::tellAll() {
+    const auto types = m_browsed;
+    for (const auto& type : types)
+        tellResults(type);
+}
+
 void FakeServiceBrowser::tellResults(const std::string& type) {
     if (!m_browsed.contains(type) || !m_listener.onResults)
         return;

@@ -25,6 +25,8 @@ public:
     /// Replaces all instances of a type at once.
     void setInstances(const std::string& type, std::set<ServiceInstance> instances);
     void tell(const ServiceBrowserState& state);
+    /// Tells the current set of every type that is browsed, as a system does soon after `browse`.
+    void tellAll();
 
     [[nodiscard]] const std::set<std::string>& browsed() const { return m_browsed; }
     [[nodiscard]] bool isImportant(const ServiceInstance& instance) const {

@@ -95,6 +95,7 @@ TEST_F(NetworkBrowsingTest, onlineDevicesComeFirstAndNumbersCount) {
     browser->start();
     EXPECT_EQ(names(), (Names{"beta", "node 10", "Zebra", "alpha", "Node 2"}));
     network.setInstances("_http._tcp", {});
+    EXPECT_EQ(names(), (Names{"alpha", "beta", "Node 2", "node 10", "Zebra"}));
     network.setInstances("_ssh._tcp", {service("Zebra")});
     EXPECT_EQ(names(), (Names{"Zebra", "alpha", "beta", "Node 2", "node 10"}));
 }
@@ -189,6 +190,8 @@ TEST_F(NetworkBrowsingTest, whatTheUserChoosesIsWrittenAtOnce) {
     EXPECT_TRUE(kept().contains("\"isTracked\":false,\"lossAlertEnabled\":false"));
     browser->forget(printerID);
     EXPECT_EQ(kept(), "[]");
+    network.setInstances("_http._tcp", {});
+    EXPECT_EQ(browser->state(), "Listening for Bonjour services…");
     network.announce(service("PRINTER", "_smb._tcp"));
     EXPECT_EQ(names(), Names{"PRINTER"}) << "a new one";
     EXPECT_FALSE(device(printerID).isTracked);
