@@ -12,7 +12,7 @@ std::vector<SimulatedHost> demoHosts() {
         {.name = std::string(demoPrinterName),
          .types = {"_ipp._tcp", "_printer._tcp"},
          .interfaces = wire,
-         .stays = {{1, 18}, {42, 300}},
+         .stays = {{1, 5}, {75, 300}},
          .roundSeconds = 300},
         // Loses its connection again and again, for a few seconds each time.
         {.name = std::string(demoSpeakerName),

@@ -9,7 +9,8 @@
 
 namespace nightjar {
 
-/// The printer that the demo's user watches: it leaves the network and returns within a minute.
+/// The printer that the demo's user watches: it leaves the network and returns after a
+/// minute.
 inline constexpr std::string_view demoPrinterName = "Office Printer";
 /// The music player that is watched too, and is never away for long.
 inline constexpr std::string_view demoSpeakerName = "Kitchen Speaker";

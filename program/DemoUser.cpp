@@ -4,6 +4,7 @@
 
 #include "app/mesh/NightjarModel.h"
 #include "program/DemoBluetooth.h"
+#include "program/DemoNetwork.h"
 
 #include <algorithm>
 
@@ -12,6 +13,8 @@ namespace {
 
 /// Seconds; the shortest that can be chosen, so that the demo need not be waited for.
 constexpr double shortestDelay = 15;
+/// Seconds; much shorter than most would choose, for the same reason.
+constexpr double absence = 60;
 
 } // namespace
 
@@ -20,10 +23,18 @@ DemoUser::DemoUser(NightjarModel& model) : m_model(model) {
     connect(&model, &NightjarModel::nodesChanged, this, &DemoUser::guardBicycle, Qt::QueuedConnection);
     connect(&model.bluetoothTrackers(), &BluetoothTrackerManager::devicesChanged, this, &DemoUser::watchKeys,
             Qt::QueuedConnection);
+    connect(
+        &model.localNetwork(), &LocalNetworkBrowser::devicesChanged, this,
+        [this] {
+            watchMachine(demoPrinterName);
+            watchMachine(demoSpeakerName);
+        },
+        Qt::QueuedConnection);
 }
 
 void DemoUser::begin() {
     m_model.bluetoothTrackers().startScanning();
+    m_model.localNetwork().start();
 }
 
 void DemoUser::guardBicycle() {
@@ -51,6 +62,19 @@ void DemoUser::watchKeys() {
     bluetooth.track(DiscoveredTracker(*keys));
     bluetooth.setLossAlertDelay(shortestDelay, id);
     bluetooth.setLossAlert(true, id);
+}
+
+void DemoUser::watchMachine(std::string_view name) {
+    if (m_seenMachines.contains(name))
+        return;
+    auto& network = m_model.localNetwork();
+    const auto machine = std::ranges::find(network.devices(), name, &LocalNetworkDevice::name);
+    if (machine == network.devices().end())
+        return;
+    m_seenMachines.emplace(name);
+    const auto id = machine->id;
+    network.setLossAlert(true, id);
+    network.setLossAlertDelay(absence, id);
 }
 
 } // namespace nightjar

@@ -4,6 +4,7 @@
 
 #include "app/headless/BluetoothTable.h"
 #include "app/headless/MeshTable.h"
+#include "app/headless/NetworkTable.h"
 #include "radio/MeshRadio.h"
 
 #include <QCoreApplication>
@@ -56,15 +57,14 @@ HeadlessProgram::~HeadlessProgram() {
 }
 
 void HeadlessProgram::start() {
-    if (m_commandLine.watches.contains(headless::Watch::network)) {
-        std::cerr << "This build cannot watch the network yet; going on without it." << std::endl;
-    }
     if (m_commandLine.jsonLines)
         startJsonLines();
     else
         startReadable();
     if (m_commandLine.watches.contains(headless::Watch::bluetooth))
         m_model.bluetoothTrackers().startScanning();
+    if (m_commandLine.watches.contains(headless::Watch::network))
+        m_model.localNetwork().start();
     m_output.writeOut();
 }
 
@@ -72,6 +72,7 @@ void HeadlessProgram::startJsonLines() {
     std::vector<headless::ControllerTable> tables;
     tables.push_back(headless::meshTable(m_model));
     tables.push_back(headless::bluetoothTable(m_model.bluetoothTrackers()));
+    tables.push_back(headless::networkTable(m_model.localNetwork()));
     auto& session = m_session.emplace(std::move(tables), m_output);
     m_notifications.setReporter([&session](const Notification& notification) { session.tell(notification); });
 

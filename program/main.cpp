@@ -75,8 +75,8 @@ int runDemo(const CommandLine& commandLine) {
     // What happens in the made-up world must not alarm anyone on the real desktop.
     HeadlessProgram program(commandLine, platform.services(), Desktop::leftAlone);
     DemoUser user(program.model());
-    platform.begin();
     user.begin();
+    platform.begin();
     return run(program);
 }
 

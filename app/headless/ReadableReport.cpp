@@ -15,6 +15,7 @@ void ReadableReport::start() {
     const auto changed = [this] { scheduleFlush(); };
     m_mesh = std::make_unique<MeshReport>(m_model, m_scheduler, changed);
     m_bluetooth = std::make_unique<BluetoothReport>(m_model.bluetoothTrackers(), m_scheduler, changed);
+    m_network = std::make_unique<NetworkReport>(m_model.localNetwork(), changed);
     flush();
 }
 
@@ -30,6 +31,7 @@ void ReadableReport::flush() {
     m_lines.tellLeftOut();
     m_mesh->print(m_lines);
     m_bluetooth->print(m_lines);
+    m_network->print(m_lines);
 }
 
 void ReadableReport::tell(const Notification& notification) {

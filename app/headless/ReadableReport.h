@@ -5,6 +5,7 @@
 #include "app/headless/BluetoothReport.h"
 #include "app/headless/LineSink.h"
 #include "app/headless/MeshReport.h"
+#include "app/headless/NetworkReport.h"
 #include "app/headless/ReadableLines.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Scheduler.h"
@@ -37,6 +38,7 @@ private:
     ReadableLines m_lines;
     std::unique_ptr<MeshReport> m_mesh;
     std::unique_ptr<BluetoothReport> m_bluetooth;
+    std::unique_ptr<NetworkReport> m_network;
     bool m_scheduled = false;
 };
 

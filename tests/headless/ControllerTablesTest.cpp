@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/headless/BluetoothTable.h"
 #include "app/headless/MeshTable.h"
+#include "app/headless/NetworkTable.h"
 #include "tests/support/ModelRig.h"
 
 #include <QMetaProperty>
@@ -45,6 +46,7 @@ TEST(ControllerTablesTest, everyPublishedPropertyIsInItsTableWithItsOwnSignal) {
     NightjarModel& model = rig.create();
     expectEveryPropertyWithItsSignal(model, meshTable(model));
     expectEveryPropertyWithItsSignal(model.bluetoothTrackers(), bluetoothTable(model.bluetoothTrackers()));
+    expectEveryPropertyWithItsSignal(model.localNetwork(), networkTable(model.localNetwork()));
 }
 
 } // namespace

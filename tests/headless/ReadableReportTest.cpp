@@ -50,7 +50,8 @@ TEST_F(ReadableReportTest, tellsEachChangeOnce) {
     startConnected();
     report();
     EXPECT_THAT(lines(), ElementsAre("connection: Connected", "radio: Connected · waiting for radio settings",
-                                     "guard: No position marked", "bluetooth: Bluetooth is starting…"));
+                                     "guard: No position marked", "bluetooth: Bluetooth is starting…",
+                                     "network: Local Network is ready"));
 
     hear(node(42).named("Fox").hops(0).seen(scheduler.now()));
     hear(received("Hello", 5, 42));
@@ -114,7 +115,7 @@ TEST_F(ReadableReportTest, aFloodOfNodesIsBoundedButNoAlertAndNoMessageIsLeftOut
     reporting().tell({.identifier = "guarded-device-moved-1", .title = "Bicycle moved", .body = "far"});
     reporting().tell({.identifier = "message-1", .title = "Fox", .body = "is printed as a message"});
     QCoreApplication::processEvents();
-    EXPECT_THAT(output.lines, SizeIs(1 + count + ReadableLines::linesPerSecond - 4));
+    EXPECT_THAT(output.lines, SizeIs(1 + count + ReadableLines::linesPerSecond - 5));
     EXPECT_THAT(output.take(), Contains(HasSubstr("ALERT Bicycle moved: far")));
 
     scheduler.advance(std::chrono::seconds(1));
