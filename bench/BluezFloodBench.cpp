@@ -6,7 +6,7 @@
 // counts is the time of all threads of this process on the processor; the senders have their own.
 
 #include "app/bluetooth/BluetoothTrackerManager.h"
-#include "bench/RunningBus.h"
+#include "bench/RunningDaemon.h"
 #include "platform/linux/BluezCentral.h"
 #include "platform/linux/BusConnector.h"
 #include "platform/linux/QtMainThread.h"
