@@ -25,7 +25,7 @@ TEST_F(MeshRadioEnding, anExitThatNobodyAskedForFailsWhatWaitsAndIsToldOnce) {
     sendText("two");
     EXPECT_TRUE(tells("two failed: bridgeStopped"));
     EXPECT_EQ(timesTold("lost bridgeStopped"), 1);
-    EXPECT_TRUE(childProcesses().empty());
+    EXPECT_TRUE(waitFor([] { return childProcesses().empty(); }));
 }
 
 TEST_F(MeshRadioEnding, aBridgeThatIsKilledIsLost) {
