@@ -116,10 +116,13 @@ void run() {
     row("complete sets, warm", warm.browse(), "s", 0.3);
 
     constexpr double minute = 60;
-    const double before = processorSeconds() + daemon.program().processorSeconds();
+    const double before = processorSeconds();
+    const double daemonBefore = daemon.program().processorSeconds();
     runEventsFor(minute);
-    const double busy = processorSeconds() + daemon.program().processorSeconds() - before;
-    row("watching for a minute, with the daemon", busy / minute * 100, "%", 0.5);
+    const double ours = (processorSeconds() - before) / minute * 100;
+    const double daemons = (daemon.program().processorSeconds() - daemonBefore) / minute * 100;
+    row("watching for a minute, of one core", ours + daemons, "%", 0.5);
+    std::printf("  of it ours %.2f, the daemon's %.2f\n", ours, daemons);
     std::printf("%zu of %zu services are still there\n", warm.count(), types.size() * servicesPerType);
 }
 

@@ -87,8 +87,6 @@ bool ServiceSets::isHeld(const std::string& type, const std::string& name) const
 
 void ServiceSets::markDirty(Set& set, std::chrono::milliseconds delay) {
     set.isDirty = true;
-    if (!set.isComplete)
-        return;
     const auto time = m_scheduler.steadyNow() + delay;
     if (m_flush && m_flushTime <= time)
         return;
@@ -100,7 +98,7 @@ void ServiceSets::flush() {
     m_flush.cancel();
     std::vector<std::string> types;
     for (const auto& [type, set] : m_sets)
-        if (set.isComplete && set.isDirty)
+        if (set.isDirty)
             types.push_back(type);
     // Who is told may change what is browsed.
     for (const auto& type : types)
@@ -110,7 +108,7 @@ void ServiceSets::flush() {
 
 void ServiceSets::tell(const std::string& type, Set& set) {
     auto instances = snapshot(type, set);
-    if (!instances)
+    if (!instances || (!set.isComplete && instances->empty()))
         return;
     set.isDirty = false;
     if (set.told == instances)

@@ -47,7 +47,7 @@ public:
     bool add(const std::string& type, const std::string& name, Place place);
     /// Whether that was its last place.
     bool remove(const std::string& type, const std::string& name, Place place);
-    /// The type has been searched: from now on its set is told.
+    /// The type has been searched: what is missing now is missing.
     void complete(const std::string& type);
     /// What the handlers say of it has changed.
     void touch(const std::string& type);
@@ -55,7 +55,7 @@ public:
     void touchAllNow();
     /// The instances of this type are announced anew.
     void restart(const std::string& type);
-    /// The same for all types; nothing is told until they are complete.
+    /// The same for all types.
     void restartAll();
     void clear();
 

@@ -60,14 +60,18 @@ protected:
                             }}};
 };
 
-TEST_F(ServiceSetsTest, nothingIsToldUntilTheTypeHasBeenSearched) {
+TEST_F(ServiceSetsTest, whatIsThereIsToldSoonAndThatNothingIsOnlyAfterTheSearch) {
     m_sets.add(ssh, "fox", {1, 0});
-    m_scheduler.advance(1min);
-    EXPECT_EQ(m_tellings, 0);
-
-    completeNow();
-    completeNow("_http._tcp");
+    m_sets.add("_http._tcp", "owl", {1, 0});
+    m_sets.remove("_http._tcp", "owl", {1, 0});
+    m_scheduler.advance(200ms);
     EXPECT_THAT(told(), ElementsAre("fox@eth0"));
+    m_scheduler.advance(1min);
+    EXPECT_EQ(m_tellings, 1);
+
+    completeNow(ssh);
+    completeNow("_http._tcp");
+    EXPECT_EQ(m_tellings, 2);
     EXPECT_THAT(told("_http._tcp"), IsEmpty());
 }
 
