@@ -198,4 +198,8 @@ void LocalNetworkBrowser::saveDevices() {
         setErrorMessage(NetworkTexts::saveFailed(saved.error()));
 }
 
+void LocalNetworkBrowser::setErrorMessage(const std::optional<std::string>& sentence) {
+    m_errorMessage.set(sentence);
+}
+
 } // namespace nightjar

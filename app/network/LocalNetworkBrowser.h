@@ -47,7 +47,7 @@ public:
     [[nodiscard]] const std::string& state() const { return m_state.get(); }
     [[nodiscard]] bool isScanning() const { return m_isScanning.get(); }
     [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_errorMessage.get(); }
-    void setErrorMessage(const std::optional<std::string>& sentence) { m_errorMessage.set(sentence); }
+    void setErrorMessage(const std::optional<std::string>& sentence);
 
     /// Null when the device is not known. Does not search the list.
     [[nodiscard]] const LocalNetworkDevice* deviceWith(const std::string& id) const {
