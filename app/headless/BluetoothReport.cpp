@@ -120,6 +120,7 @@ void BluetoothReport::printDevices(ReadableLines& lines) {
     }
 }
 
+/// What the user chose is told however much else there is.
 void BluetoothReport::printTracked(ReadableLines& lines) {
     if (!std::exchange(m_trackedChanged, false))
         return;
@@ -130,13 +131,13 @@ void BluetoothReport::printTracked(ReadableLines& lines) {
         auto line = trackedLine(device);
         if (line == printed)
             continue;
-        lines.printOrCount(line);
+        lines.print(line);
         printed = std::move(line);
     }
     std::erase_if(m_tracked, [&](const auto& item) {
         if (present.contains(item.first))
             return false;
-        lines.printOrCount("no longer " + item.second.substr(0, item.second.find_last_of(',')));
+        lines.print("no longer " + item.second.substr(0, item.second.find_last_of(',')));
         return true;
     });
 }

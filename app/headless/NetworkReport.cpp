@@ -60,10 +60,10 @@ void NetworkReport::printDevice(const LocalNetworkDevice& device, ReadableLines&
         lines.printOrCount(name + " is gone");
     told.isOnline = device.isOnline;
 
+    // What the user chose is told however much else there is.
     auto watch = watchOf(device);
     if (watch != told.watch)
-        lines.printOrCount(watch.empty() ? "no longer tracking " + terminalSafe(device.name, mostOfAName)
-                                         : watch);
+        lines.print(watch.empty() ? "no longer tracking " + terminalSafe(device.name, mostOfAName) : watch);
     told.watch = std::move(watch);
 }
 
