@@ -20,12 +20,6 @@ AvahiDaemon::AvahiDaemon(BusConnector& connector, Scheduler& scheduler, const Av
         busOpened();
 }
 
-bool AvahiDaemon::isSilence(const QDBusMessage& answer) {
-    return answer.errorName() == QLatin1String("org.freedesktop.DBus.Error.NoReply") ||
-           answer.errorName() == QLatin1String("org.freedesktop.DBus.Error.Timeout") ||
-           answer.errorName() == QLatin1String("org.freedesktop.DBus.Error.TimedOut");
-}
-
 bool AvahiDaemon::isRefusal(const QDBusMessage& answer) {
     return answer.errorName() == QLatin1String("org.freedesktop.DBus.Error.AccessDenied") ||
            answer.errorName() == QLatin1String("org.freedesktop.Avahi.AccessDeniedError") ||

@@ -55,8 +55,7 @@ public:
     /// The daemon gave no answer where one was due: it counts as hanging until it answers.
     void suspect();
 
-    /// Nobody answered in time.
-    [[nodiscard]] static bool isSilence(const QDBusMessage& answer);
+    /// A policy forbids it.
     [[nodiscard]] static bool isRefusal(const QDBusMessage& answer);
 
 private Q_SLOTS:

@@ -102,7 +102,7 @@ void AvahiTypeBrowsers::started(const std::string& type, const QDBusMessage& ans
 }
 
 void AvahiTypeBrowsers::refuse(const std::string& type, const QDBusMessage& answer) {
-    if (AvahiDaemon::isSilence(answer))
+    if (isSilence(answer))
         return m_daemon.suspect();
     // It has just gone; that is told by itself.
     if (isNobodyThere(answer))

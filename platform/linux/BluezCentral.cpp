@@ -4,6 +4,7 @@
 
 #include "platform/linux/BluezNames.h"
 #include "platform/linux/BluezReading.h"
+#include "platform/linux/BusCall.h"
 
 #include <utility>
 
@@ -67,7 +68,7 @@ void BluezCentral::askForObjects() {
 void BluezCentral::objectsAnswered(const QDBusMessage& answer) {
     if (answer.type() == QDBusMessage::ReplyMessage && answer.signature() == QLatin1String("a{oa{sa{sv}}}"))
         return readObjects(answer);
-    if (bluez::isSilence(answer.errorName()))
+    if (isSilence(answer))
         return m_daemon.suspect();
     const bool isRefused = bluez::isRefusal(answer.errorName());
     m_knowledge = isRefused ? Knowledge::refused : Knowledge::none;

@@ -3,6 +3,7 @@
 #include "platform/linux/BluezDaemon.h"
 
 #include "platform/linux/BluezNames.h"
+#include "platform/linux/BusCall.h"
 #include "platform/linux/BusConnector.h"
 
 #include <QDBusPendingCall>
@@ -14,10 +15,6 @@ namespace nightjar {
 namespace {
 
 constexpr const char* propertiesChangedSignature = "sa{sv}as";
-
-bool isSilent(const QDBusMessage& answer) {
-    return answer.type() == QDBusMessage::ErrorMessage && bluez::isSilence(answer.errorName());
-}
 
 } // namespace
 
@@ -67,7 +64,7 @@ void BluezDaemon::askForOwner() {
     callService(bluez::busService, question, m_settings.answerTimeout, [this](const QDBusMessage& answer) {
         if (answer.type() == QDBusMessage::ReplyMessage)
             setOwner(answer.arguments().value(0).toString());
-        else if (isSilent(answer))
+        else if (isSilence(answer))
             m_ownerRetry = m_scheduler.after(m_settings.pingPause, [this] { askForOwner(); });
     });
 }
@@ -162,7 +159,7 @@ void BluezDaemon::callService(const QString& destination, const QDBusMessage& me
             done->deleteLater();
             if (epoch != m_epoch)
                 return;
-            if (destination == m_owner && !isSilent(done->reply()))
+            if (destination == m_owner && !isSilence(done->reply()))
                 m_lastHeard = m_scheduler.steadyNow();
             answered(done->reply());
         });
@@ -211,7 +208,7 @@ void BluezDaemon::ping() {
     callService(m_owner, message(bluez::rootPath, bluez::peerInterface, QStringLiteral("Ping")),
                 m_settings.pingTimeout, [this, asked](const QDBusMessage& answer) {
                     // Any answer tells of life, even a refusal, and so does any signal in the meantime.
-                    pingAnswered(!isSilent(answer) || (!m_hangs && m_lastHeard > asked));
+                    pingAnswered(!isSilence(answer) || (!m_hangs && m_lastHeard > asked));
                 });
 }
 

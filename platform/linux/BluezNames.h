@@ -24,11 +24,4 @@ inline bool isRefusal(const QString& error) {
            error == QLatin1String("org.bluez.Error.NotPermitted");
 }
 
-/// Nobody answered in time.
-inline bool isSilence(const QString& error) {
-    return error == QLatin1String("org.freedesktop.DBus.Error.NoReply") ||
-           error == QLatin1String("org.freedesktop.DBus.Error.Timeout") ||
-           error == QLatin1String("org.freedesktop.DBus.Error.TimedOut");
-}
-
 } // namespace nightjar::bluez

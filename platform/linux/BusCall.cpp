@@ -50,6 +50,13 @@ bool isNobodyThere(const QDBusMessage& answer) {
            answer.errorName() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
 }
 
+bool isSilence(const QDBusMessage& answer) {
+    const QString error = answer.errorName();
+    return error == QLatin1String("org.freedesktop.DBus.Error.NoReply") ||
+           error == QLatin1String("org.freedesktop.DBus.Error.Timeout") ||
+           error == QLatin1String("org.freedesktop.DBus.Error.TimedOut");
+}
+
 QString errorText(const QDBusMessage& answer) {
     const QString text = answer.errorMessage().trimmed();
     return (text.isEmpty() ? answer.errorName() : text).left(longestText);

@@ -35,6 +35,9 @@ void callLater(const QDBusConnection& bus, QObject& context, const BusCall& call
 /// Whether the answer is an error that says that nobody has the name which was called.
 [[nodiscard]] bool isNobodyThere(const QDBusMessage& answer);
 
+/// Whether nobody answered in time.
+[[nodiscard]] bool isSilence(const QDBusMessage& answer);
+
 /// What an error says for the user: its text, cut to a sensible length, else its name; empty when it says
 /// nothing.
 [[nodiscard]] QString errorText(const QDBusMessage& answer);

@@ -111,6 +111,21 @@ TEST_F(BluezDiscoveryTest, aRadioThatTakesTooLongToBeginIsBlind) {
     EXPECT_TRUE(comesTo(resetting)) << "though no attempt has failed yet";
 }
 
+TEST_F(BluezDiscoveryTest, troubleThatNobodyWaitsForAnyLongerIsOver) {
+    settings.blindAfter = 100ms;
+    settings.answerTimeout = 1s;
+    settings.stateDebounce = 2s;
+    scanOnOneAdapter();
+    tell("ignore StartDiscovery 1");
+    tell("endDiscovery hci0");
+    ASSERT_TRUE(runEventsUntil([&] { return calls("StartDiscovery") >= 2; }));
+    EXPECT_FALSE(runEventsUntil([&] { return central->state() != poweredOn; }, 300ms));
+
+    central->stopScan();
+
+    EXPECT_FALSE(runEventsUntil([&] { return central->state() != poweredOn; }, 3s));
+}
+
 TEST_F(BluezDiscoveryTest, anAnswerThatNeverComesIsAFailure) {
     settings.answerTimeout = 200ms;
     scanOnOneAdapter();
