@@ -3,7 +3,7 @@
 
 # Shared by the scripts of this folder; read with ".", from the top folder of the sources.
 
-build_packages="g++ cmake ninja-build libsimdjson-dev libicu-dev libcanberra-dev libdbus-1-dev qt6-base-dev"
+build_packages="g++ cmake ninja-build libsimdjson-dev libicu-dev libcanberra-dev libdbus-1-dev qt6-base-dev libqt6svg6-dev"
 test_packages="libgtest-dev libgmock-dev dbus modemmanager python3 avahi-daemon iproute2 nftables"
 bench_packages="libbenchmark-dev dbus avahi-daemon iproute2"
 
