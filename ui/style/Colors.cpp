@@ -107,15 +107,24 @@ const Colors& Colors::of(const QWidget* widget) {
 
 QColor Colors::tint(Tint tint) const {
     switch (tint) {
-    case Tint::text: return text;
-    case Tint::secondary: return secondary;
-    case Tint::tertiary: return tertiary;
-    case Tint::blue: return blue;
-    case Tint::green: return green;
-    case Tint::orange: return orange;
-    case Tint::mint: return mint;
-    case Tint::red: return red;
-    case Tint::onAccent: return onAccent;
+    case Tint::text:
+        return text;
+    case Tint::secondary:
+        return secondary;
+    case Tint::tertiary:
+        return tertiary;
+    case Tint::blue:
+        return blue;
+    case Tint::green:
+        return green;
+    case Tint::orange:
+        return orange;
+    case Tint::mint:
+        return mint;
+    case Tint::red:
+        return red;
+    case Tint::onAccent:
+        return onAccent;
     }
     return text;
 }

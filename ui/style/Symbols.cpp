@@ -20,9 +20,12 @@ QString fileOf(const QString& name) {
     return QStringLiteral(":/symbols/%1.svg").arg(name);
 }
 
-void render(QPainter& painter, const QByteArray& svg, const QRectF& where) {
+void render(QPainter& painter, QByteArray svg, const char* color, const char* hole) {
+    svg.replace(QByteArrayLiteral("currentColor"), QByteArray(color));
+    svg.replace(QByteArrayLiteral("holeColor"), QByteArray(hole));
     QSvgRenderer renderer(svg);
-    renderer.render(&painter, where);
+    renderer.render(&painter,
+                    QRectF(QPointF(0, 0), QSizeF(painter.device()->width(), painter.device()->height())));
 }
 
 /// The drawings have two colours: "currentColor", and "holeColor" for what is cut out of it. What comes after
@@ -35,18 +38,16 @@ QImage draw(const QString& name, const QColor& color, int pixels) {
         return image;
     const QByteArray svg = file.readAll();
     const QByteArray solid = QColor(color.rgb()).name().toLatin1();
-    const QRectF whole(0, 0, pixels, pixels);
 
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    render(painter, QByteArray(svg).replace("currentColor", solid).replace("holeColor", "none"), whole);
+    render(painter, svg, solid, "none");
     if (const auto hole = svg.lastIndexOf("holeColor"); hole >= 0) {
         painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
-        render(painter, QByteArray(svg).replace("currentColor", "none").replace("holeColor", "#000"), whole);
+        render(painter, svg, "none", "#000");
         if (const auto after = svg.indexOf("<g", hole); after >= 0) {
             painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-            const QByteArray start = svg.left(svg.indexOf('>') + 1);
-            render(painter, (start + svg.mid(after)).replace("currentColor", solid), whole);
+            render(painter, svg.left(svg.indexOf('>') + 1) + svg.mid(after), solid, "none");
         }
     }
     if (color.alpha() < 255) {
