@@ -7,8 +7,11 @@
 #include <QString>
 
 #include <unicode/ucol.h>
+#include <unicode/ureldatefmt.h>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <vector>
 
 namespace nightjar {
@@ -36,6 +39,22 @@ std::string sortKey(const UCollator* collator, const QString& text) {
     ucol_getSortKey(collator, characters, length, large.data(), needed);
     return {large.begin(), large.end()};
 }
+
+/// A date so far away that no unit is of use, or none at all.
+constexpr double aThousandYears = 1000 * 365.25 * 86'400;
+
+struct Unit {
+    URelativeDateTimeUnit unit;
+    double seconds;
+};
+/// The largest first. A month and a year have their mean length.
+constexpr std::array units{Unit{UDAT_REL_UNIT_YEAR, 365.25 * 86'400},
+                           Unit{UDAT_REL_UNIT_MONTH, 30.4375 * 86'400},
+                           Unit{UDAT_REL_UNIT_WEEK, 7 * 86'400},
+                           Unit{UDAT_REL_UNIT_DAY, 86'400},
+                           Unit{UDAT_REL_UNIT_HOUR, 3'600},
+                           Unit{UDAT_REL_UNIT_MINUTE, 60},
+                           Unit{UDAT_REL_UNIT_SECOND, 1}};
 
 } // namespace
 
@@ -68,6 +87,29 @@ std::string IcuTextServices::shortTimeOfDay(Date date) const {
     const auto text = locale.language() == QLocale::C ? time.toString(QStringLiteral("HH:mm"))
                                                       : locale.toString(time, QLocale::ShortFormat);
     return text.toStdString();
+}
+
+void IcuTextServices::Close::operator()(URelativeDateTimeFormatter* formatter) const {
+    ureldatefmt_close(formatter);
+}
+
+std::string IcuTextServices::relativeTime(Date date, Date now) const {
+    const double seconds = std::trunc((date - now).count());
+    if (!(std::abs(seconds) <= aThousandYears))
+        return "long ago";
+    UErrorCode status = U_ZERO_ERROR;
+    if (!m_relative)
+        m_relative.reset(
+            ureldatefmt_open("en", nullptr, UDAT_STYLE_LONG, UDISPCTX_CAPITALIZATION_NONE, &status));
+    if (U_FAILURE(status))
+        return "";
+    const auto fits = [seconds](const Unit& unit) { return std::abs(seconds) >= unit.seconds; };
+    const auto* found = std::find_if(units.begin(), units.end(), fits);
+    const auto& unit = found == units.end() ? units.back() : *found;
+    std::array<UChar, 64> text;
+    const auto length = ureldatefmt_format(m_relative.get(), std::trunc(seconds / unit.seconds), unit.unit,
+                                           text.data(), static_cast<std::int32_t>(text.size()), &status);
+    return U_FAILURE(status) ? "" : QString::fromUtf16(text.data(), length).toStdString();
 }
 
 std::string IcuTextServices::systemLocale(const HostEnvironment& host) {

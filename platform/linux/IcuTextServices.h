@@ -8,6 +8,7 @@
 #include <memory>
 
 struct UCollator;
+struct URelativeDateTimeFormatter;
 
 namespace nightjar {
 
@@ -24,6 +25,8 @@ public:
     /// About 1 us.
     [[nodiscard]] std::string collationKey(std::string_view text) const override;
     [[nodiscard]] std::string shortTimeOfDay(Date date) const override;
+    /// In English, as the sentences are in which it stands.
+    [[nodiscard]] std::string relativeTime(Date date, Date now) const override;
 
     /// The locale that the user's environment sets for sorting; empty for "C" and "POSIX".
     [[nodiscard]] static std::string systemLocale(const HostEnvironment& host);
@@ -33,9 +36,11 @@ private:
 
     struct Close {
         void operator()(UCollator* collator) const;
+        void operator()(URelativeDateTimeFormatter* formatter) const;
     };
     std::string m_locale;
     mutable std::unique_ptr<UCollator, Close> m_collator;
+    mutable std::unique_ptr<URelativeDateTimeFormatter, Close> m_relative;
 };
 
 } // namespace nightjar

@@ -51,4 +51,8 @@ std::string FakeTextServices::shortTimeOfDay(Date date) const {
     return iso8601Text(date).value_or(std::string(iso8601Length, '-')).substr(11, 5);
 }
 
+std::string FakeTextServices::relativeTime(Date date, Date now) const {
+    return std::to_string(static_cast<long long>((now - date).count())) + " s ago";
+}
+
 } // namespace nightjar

@@ -13,6 +13,8 @@ class FakeTextServices final : public TextServices {
 public:
     [[nodiscard]] std::string collationKey(std::string_view text) const override;
     [[nodiscard]] std::string shortTimeOfDay(Date date) const override;
+    /// "90 s ago".
+    [[nodiscard]] std::string relativeTime(Date date, Date now) const override;
 };
 
 } // namespace nightjar

@@ -1,0 +1,123 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#include "ui/common/Card.h"
+
+#include "ui/common/TextLabel.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QVBoxLayout>
+
+namespace nightjar {
+
+namespace {
+
+constexpr char joinedProperty[] = "joinedToRowAbove";
+
+class Ground final : public QWidget {
+public:
+    using QWidget::QWidget;
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const auto& colors = Colors::of(this);
+        painter.setBrush(colors.card);
+        painter.setPen(QPen(colors.cardBorder, 1));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 9, 9);
+        paintLines(painter, colors.hairline);
+    }
+
+private:
+    void paintLines(QPainter& painter, const QColor& color) const {
+        bool isFirst = true;
+        for (int place = 0; place < layout()->count(); ++place) {
+            const QWidget* row = layout()->itemAt(place)->widget();
+            if (!row || row->isHidden())
+                continue;
+            if (!isFirst && !row->property(joinedProperty).toBool())
+                painter.fillRect(QRect(12, row->y(), width() - 24, 1), color);
+            isFirst = false;
+        }
+    }
+};
+
+QHBoxLayout* makeRowLayout(QWidget* row) {
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(12, 7, 12, 7);
+    layout->setSpacing(12);
+    return layout;
+}
+
+} // namespace
+
+MetricRow::MetricRow(const QString& label, const QString& value, QWidget* parent)
+    : QWidget(parent), m_label(label), m_value(new TextLabel(value)) {
+    auto* layout = makeRowLayout(this);
+    layout->addWidget(new TextLabel(label, TextSize::body, Tint::secondary), 0, Qt::AlignTop);
+    m_value->setAlignment(Qt::AlignRight | Qt::AlignTop);
+    m_value->setWordWrap(true);
+    m_value->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    layout->addWidget(m_value, 1);
+    setValue(value);
+}
+
+void MetricRow::setValue(const QString& value) {
+    if (m_value->text() != value)
+        m_value->setText(value);
+    setAccessibleName(m_label + QStringLiteral(": ") + value);
+}
+
+QString MetricRow::value() const {
+    return m_value->text();
+}
+
+Card::Card(const QString& title, QWidget* parent)
+    : QWidget(parent), m_body(new Ground(this)), m_rows(new QVBoxLayout(m_body)) {
+    setAccessibleName(title);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(6);
+    if (!title.isEmpty()) {
+        auto* heading = new TextLabel(title, TextSize::headline);
+        heading->setContentsMargins(4, 0, 0, 0);
+        layout->addWidget(heading);
+    }
+    m_rows->setContentsMargins(0, 3, 0, 3);
+    m_rows->setSpacing(0);
+    layout->addWidget(m_body);
+}
+
+void Card::addRow(QWidget* row) {
+    m_rows->addWidget(row);
+}
+
+MetricRow* Card::addMetric(const QString& label, const QString& value) {
+    auto* row = new MetricRow(label, value);
+    addRow(row);
+    return row;
+}
+
+QWidget* Card::addControl(const QString& label, QWidget* control) {
+    auto* row = new QWidget;
+    auto* layout = makeRowLayout(row);
+    auto* text = new TextLabel(label);
+    text->setWordWrap(true);
+    text->setBuddy(control);
+    layout->addWidget(text, 1);
+    layout->addWidget(control);
+    addRow(row);
+    return row;
+}
+
+TextLabel* Card::addNote(const QString& text) {
+    auto* note = new TextLabel(text, TextSize::caption, Tint::secondary);
+    note->setWordWrap(true);
+    note->setContentsMargins(12, 2, 12, 8);
+    note->setProperty(joinedProperty, true);
+    addRow(note);
+    return note;
+}
+
+} // namespace nightjar

@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "ui/style/Colors.h"
+
+#include <QScrollArea>
+
+class QVBoxLayout;
+
+namespace nightjar {
+
+class Card;
+class ElidedLabel;
+class SymbolView;
+
+/// What an inspector is about: a large symbol, the name and one line on it.
+class InspectorHeader final : public QWidget {
+    Q_OBJECT
+public:
+    explicit InspectorHeader(QWidget* parent = nullptr);
+    void show(const QString& symbol, Tint tint, const QString& name, const QString& caption);
+    using QWidget::show;
+
+private:
+    SymbolView* m_symbol;
+    ElidedLabel* m_name;
+    ElidedLabel* m_caption;
+};
+
+/// A column of cards that scrolls where the window is low.
+class InspectorPage final : public QScrollArea {
+    Q_OBJECT
+public:
+    explicit InspectorPage(QWidget* parent = nullptr);
+    [[nodiscard]] InspectorHeader& header() const { return *m_header; }
+    Card* addCard(const QString& title);
+    void addWidget(QWidget* widget);
+    /// Side by side, equally wide.
+    QWidget* addButtons(const QList<QWidget*>& buttons);
+
+private:
+    QVBoxLayout* m_column;
+    InspectorHeader* m_header;
+};
+
+} // namespace nightjar
