@@ -52,6 +52,7 @@ void LocalNetworkBrowser::start() {
     m_departures.disarmAll();
     m_isBlind = false;
     m_lastCheck = m_judgesFrom = m_platform.scheduler.steadyNow();
+    m_dateAhead = dateAheadOf(m_lastCheck);
     m_monitorTimer = m_platform.scheduler.every(
         std::chrono::seconds(5), [this] { checkLossAlerts(m_platform.scheduler.steadyNow()); });
     for (const auto type : serviceTypes)

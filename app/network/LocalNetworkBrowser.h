@@ -87,6 +87,8 @@ private:
     void postReturned(const LocalNetworkDevice& device);
 
     void regainSight(SteadyTime now);
+    void judgeNoSoonerThan(SteadyTime time);
+    [[nodiscard]] Seconds dateAheadOf(SteadyTime now) const;
     [[nodiscard]] bool mayHaveMissedResults(SteadyTime now);
 
     template <class Change>
@@ -111,6 +113,7 @@ private:
     int m_generation = 0;   ///< of scans and of the times between them
     bool m_isBlind = false; ///< nothing can be heard of the network
     SteadyTime m_lastCheck{};
+    Seconds m_dateAhead{};     ///< of steady time, at the last check
     SteadyTime m_judgesFrom{}; ///< before, absence may be a thing of the past
     Timer m_monitorTimer;
     Timer m_save;

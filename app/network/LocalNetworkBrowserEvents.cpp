@@ -5,6 +5,7 @@
 #include "app/alerts/AlertIdentifiers.h"
 #include "app/network/NetworkTexts.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -22,6 +23,11 @@ constexpr auto heldUp = 7s;
 /// Time for what happened meanwhile to be told: a system service that was away needs up to a quarter of a
 /// minute to find out who is still there.
 constexpr auto catchUp = 20s;
+/// The date moved on by so much more than the clock that stands still in sleep: the computer slept, or
+/// somebody set the date, which this cannot tell apart.
+constexpr Seconds slept{5};
+/// After a sleep the network has to come back too, and then whoever seemed to be gone is asked after.
+constexpr auto wakeUp = 60s;
 
 } // namespace
 
@@ -100,13 +106,24 @@ void LocalNetworkBrowser::checkLossAlerts(SteadyTime now) {
 
 void LocalNetworkBrowser::regainSight(SteadyTime now) {
     if (std::exchange(m_isBlind, false))
-        m_judgesFrom = now + catchUp;
+        judgeNoSoonerThan(now + catchUp);
+}
+
+void LocalNetworkBrowser::judgeNoSoonerThan(SteadyTime time) {
+    m_judgesFrom = std::max(m_judgesFrom, time);
+}
+
+Seconds LocalNetworkBrowser::dateAheadOf(SteadyTime now) const {
+    return m_platform.scheduler.now().time_since_epoch() - now.time_since_epoch();
 }
 
 /// Whoever seems to be away may have come back without our knowing.
 bool LocalNetworkBrowser::mayHaveMissedResults(SteadyTime now) {
     if (now - std::exchange(m_lastCheck, now) >= heldUp)
-        m_judgesFrom = now + catchUp;
+        judgeNoSoonerThan(now + catchUp);
+    const auto ahead = dateAheadOf(now);
+    if (ahead - std::exchange(m_dateAhead, ahead) >= slept)
+        judgeNoSoonerThan(now + wakeUp);
     return m_isBlind || now < m_judgesFrom;
 }
 

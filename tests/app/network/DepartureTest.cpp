@@ -255,6 +255,19 @@ TEST_F(DepartureTest, aThreadThatWasHeldUpHearsWhatHappenedFirst) {
     EXPECT_EQ(titles(), Names{left});
 }
 
+TEST_F(DepartureTest, nobodyIsMissedRightAfterASleep) {
+    scan();
+    watchPrinter();
+    network.vanish(printer);
+    pass(58s);
+    // Steady time stands still meanwhile.
+    scheduler.setDate(scheduler.now() + 8h);
+    pass(50s);
+    EXPECT_TRUE(titles().empty()) << "it may have come back in the night";
+    pass(15s);
+    EXPECT_EQ(titles(), Names{left});
+}
+
 TEST_F(DepartureTest, unknownDevicesChangeNothing) {
     scan();
     browser->track("x");

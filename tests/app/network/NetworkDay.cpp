@@ -136,6 +136,10 @@ private:
         log(Happening::delay, device, delay);
         m_browser.setLossAlertDelay(delay, idOf(device));
     }
+    void moveDate(int seconds) {
+        log(Happening::clockSet, 0, seconds);
+        m_computer.scheduler.setDate(m_computer.scheduler.now() + std::chrono::seconds(seconds));
+    }
     void tell(ServiceBrowserState::Kind kind) {
         log(kind == ServiceBrowserState::Kind::waiting ? Happening::waiting : Happening::ready);
         m_computer.network.tell({.kind = kind});
@@ -173,9 +177,7 @@ private:
             dwell(pick(0, 60'000));
             return pick(0, 9) != 0 ? tell(ServiceBrowserState::Kind::ready) : void();
         case 13:
-            log(Happening::clockSet);
-            return m_computer.scheduler.setDate(m_computer.scheduler.now() +
-                                                std::chrono::seconds(pick(-90'000, 90'000)));
+            return moveDate(pick(-9'000, 9'000) * 10);
         case 14:
         case 15:
         case 16:

@@ -28,7 +28,7 @@ enum class Happening {
     delay, ///< `value` in seconds
     waiting,
     ready,
-    clockSet
+    clockSet ///< moved on by `value` seconds
 };
 
 struct Event {

@@ -15,26 +15,38 @@ namespace {
 constexpr Moment tick = 5000;
 constexpr Moment never = std::numeric_limits<Moment>::max();
 constexpr Moment catchUp = 20'000;
+constexpr Moment wakeUp = 60'000;
+constexpr int slept = 5; // seconds
 
 /// Is somebody looking, and can he see? The same for all devices.
 struct Watchman {
     std::optional<Moment> since; ///< of the scan
     Moment seesFrom = 0;         ///< `never`: blind
+    Moment awakeFrom = 0;
+    int dateMoved = 0; ///< seconds since he looked last
 
     void take(const Event& event) {
         const bool seesAgain = event.what == Happening::told || event.what == Happening::ready;
         if (event.what == Happening::start && !since) {
             since = event.at;
             seesFrom = event.at;
+            dateMoved = 0;
+            awakeFrom = 0;
         } else if (event.what == Happening::stop) {
             since.reset();
         } else if (event.what == Happening::waiting) {
             seesFrom = never;
+        } else if (event.what == Happening::clockSet) {
+            dateMoved += event.value;
         } else if (seesAgain && seesFrom == never) {
             seesFrom = event.at + catchUp;
         }
     }
-    [[nodiscard]] bool canJudge(Moment at) const { return since && at >= seesFrom; }
+    [[nodiscard]] bool canJudge(Moment at) {
+        if (since && std::exchange(dateMoved, 0) >= slept)
+            awakeFrom = at + wakeUp;
+        return since && at >= seesFrom && at >= awakeFrom;
+    }
 };
 
 /// The story of one device.
