@@ -80,6 +80,28 @@ void KnownDevices::remove(const std::string& id) {
     renumber();
 }
 
+std::vector<std::string> KnownDevices::dropLongAway() {
+    if (m_devices.size() - m_online <= mostAway)
+        return {};
+    std::vector<std::pair<Date, std::size_t>> away;
+    for (std::size_t place = 0; place < m_devices.size(); ++place) {
+        if (!m_devices[place].isOnline && !m_devices[place].isTracked)
+            away.emplace_back(m_devices[place].lastSeen, place);
+    }
+    if (away.size() <= mostAway)
+        return {};
+    const auto kept = away.end() - static_cast<std::ptrdiff_t>(mostAway);
+    std::ranges::nth_element(away, kept);
+    std::vector<std::string> dropped;
+    for (auto oldest = away.begin(); oldest != kept; ++oldest) {
+        dropped.push_back(m_devices[oldest->second].id);
+        m_entries.erase(dropped.back());
+    }
+    std::erase_if(m_devices, [this](const auto& device) { return !m_entries.contains(device.id); });
+    renumber();
+    return dropped;
+}
+
 void KnownDevices::sort() const {
     struct Ranked {
         bool isOffline;

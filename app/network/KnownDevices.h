@@ -18,6 +18,8 @@ namespace nightjar {
 /// for all of them.
 class KnownDevices {
 public:
+    static constexpr std::size_t mostAway = 1000;
+
     /// `kept` has one record for each id; nobody is online yet.
     KnownDevices(const TextServices& text, std::vector<LocalNetworkDevice> kept);
 
@@ -38,6 +40,9 @@ public:
     /// Leaves the order.
     void setAllOffline();
     void remove(const std::string& id);
+    /// Drops untracked devices beyond `mostAway` that are offline, those first that were seen longest ago;
+    /// their ids. A network to which strangers come for years must not fill the memory and the file.
+    [[nodiscard]] std::vector<std::string> dropLongAway();
 
 private:
     struct Entry {

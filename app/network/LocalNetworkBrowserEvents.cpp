@@ -71,6 +71,8 @@ void LocalNetworkBrowser::recordResults(const std::vector<ServiceInstance>& inst
     }
     for (const std::string& device : m_presence.replace(serviceType, sightings))
         m_devices.setOffline(device);
+    for (const std::string& device : m_devices.dropLongAway())
+        m_departures.forget(device);
     m_devices.leaveKeptOrder();
 }
 

@@ -230,6 +230,32 @@ TEST_F(NetworkBrowsingTest, nobodyIsOnlineAtTheStartWhateverTheFileSays) {
     EXPECT_EQ(browser->errorMessage(), std::nullopt);
 }
 
+TEST_F(NetworkBrowsingTest, strangersOfLongAgoAreDroppedAndNobodyElse) {
+    scan();
+    network.announce(printer);
+    browser->track(printerID);
+    network.vanish(printer);
+    const auto guest = [](std::size_t number) { return service("Guest " + std::to_string(number)); };
+    std::set<ServiceInstance> all;
+    for (std::size_t i = 0; i < 1500; ++i)
+        all.insert(guest(i));
+    network.setInstances("_ssh._tcp", all);
+    pass(1h);
+    // One half stays an hour longer, and one of the other comes back.
+    all.erase(all.begin(), std::next(all.begin(), 750));
+    network.setInstances("_ssh._tcp", all);
+    EXPECT_EQ(names().size(), 1501U) << "fewer than a thousand are away";
+    network.setInstances("_ssh._tcp", {guest(0)});
+
+    EXPECT_EQ(names().size(), 1002U);
+    EXPECT_NE(browser->deviceWith(printerID), nullptr) << "tracked, and away longest";
+    EXPECT_TRUE(device("guest 0|local.").isOnline);
+    for (const auto& stayed : all)
+        EXPECT_NE(browser->deviceWith(LocalNetworkDevice::identifier(stayed.name, "local.")), nullptr);
+    create();
+    EXPECT_EQ(names().size(), 1002U) << "and in the file";
+}
+
 TEST_F(NetworkBrowsingTest, theSystemLearnsWhichServicesMatter) {
     scan();
     network.announce(printer);
