@@ -4,6 +4,7 @@
 
 #include "app/network/NetworkTexts.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <utility>
@@ -14,6 +15,9 @@
 namespace nightjar {
 
 namespace {
+
+/// What the network brings is written this often at most.
+constexpr std::chrono::seconds savePause{5};
 
 std::optional<std::filesystem::path> fileOf(const HostEnvironment& host) {
     return host.applicationSupportFolder().transform(
@@ -187,14 +191,20 @@ void LocalNetworkBrowser::tellImportant() {
 }
 
 /// A machine that comes brings one change for each type of its services: they are written once, at the end of
-/// the turn of the event loop in which they came.
+/// the turn of the event loop in which they came. One that comes and goes all the time must not keep the disk
+/// busy, nor this thread, which waits for it.
 void LocalNetworkBrowser::saveSoon() {
-    if (!m_save)
-        m_save = m_platform.scheduler.after(std::chrono::milliseconds(0), [this] { saveDevices(); });
+    if (m_save)
+        return;
+    const auto now = m_platform.scheduler.steadyNow();
+    const auto due = m_lastSave ? std::max(now, *m_lastSave + savePause) : now;
+    m_save = m_platform.scheduler.after(std::chrono::ceil<std::chrono::milliseconds>(due - now),
+                                        [this] { saveDevices(); });
 }
 
 void LocalNetworkBrowser::saveDevices() {
     m_save.cancel();
+    m_lastSave = m_platform.scheduler.steadyNow();
     if (const auto saved = m_file.save(devices()); !saved)
         setErrorMessage(NetworkTexts::saveFailed(saved.error()));
 }

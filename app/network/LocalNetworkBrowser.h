@@ -117,6 +117,7 @@ private:
     SteadyTime m_judgesFrom{}; ///< before, absence may be a thing of the past
     Timer m_monitorTimer;
     Timer m_save;
+    std::optional<SteadyTime> m_lastSave;
 };
 
 } // namespace nightjar
