@@ -49,6 +49,19 @@ void NetworkReport::print(ReadableLines& lines) {
         return;
     for (const LocalNetworkDevice& device : m_browser.devices())
         printDevice(device, lines);
+    if (m_told.size() > m_browser.devices().size())
+        forgetUnknown(lines);
+}
+
+void NetworkReport::forgetUnknown(ReadableLines& lines) {
+    std::erase_if(m_told, [&](const auto& entry) {
+        const auto& [id, told] = entry;
+        if (m_browser.deviceWith(id))
+            return false;
+        if (!told.watch.empty())
+            lines.print("no longer tracking " + told.watchedName);
+        return true;
+    });
 }
 
 void NetworkReport::printDevice(const LocalNetworkDevice& device, ReadableLines& lines) {
@@ -62,8 +75,11 @@ void NetworkReport::printDevice(const LocalNetworkDevice& device, ReadableLines&
 
     // What the user chose is told however much else there is.
     auto watch = watchOf(device);
-    if (watch != told.watch)
-        lines.print(watch.empty() ? "no longer tracking " + terminalSafe(device.name, mostOfAName) : watch);
+    if (watch == told.watch)
+        return;
+    const auto watched = terminalSafe(device.name, mostOfAName);
+    lines.print(watch.empty() ? "no longer tracking " + watched : watch);
+    told.watchedName = watch.empty() ? std::string() : watched;
     told.watch = std::move(watch);
 }
 

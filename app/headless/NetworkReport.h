@@ -27,10 +27,12 @@ public:
 private:
     struct Told {
         bool isOnline = false;
-        std::string watch; ///< how it is watched, as it was last printed
+        std::string watch;       ///< how it is watched, as it was last printed
+        std::string watchedName; ///< likewise
     };
 
     void printDevice(const LocalNetworkDevice& device, ReadableLines& lines);
+    void forgetUnknown(ReadableLines& lines);
 
     LocalNetworkBrowser& m_browser;
     std::function<void()> m_changed;

@@ -15,6 +15,7 @@ namespace {
 
 using nightjar::testing::node;
 using nightjar::testing::received;
+using ::testing::AllOf;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -120,6 +121,28 @@ TEST_F(ReadableReportTest, aFloodOfNodesIsBoundedButNoAlertAndNoMessageIsLeftOut
 
     scheduler.advance(std::chrono::seconds(1));
     EXPECT_THAT(output.take(), ElementsAre(HasSubstr("more lines were left out)")));
+}
+
+TEST_F(ReadableReportTest, aMachineIsToldWhenItComesGoesAndIsForgotten) {
+    startConnected();
+    report();
+    auto& browser = model->localNetwork();
+    browser.start();
+    static_cast<void>(lines());
+    const ServiceInstance printer{.name = "\u202EPrinter\n", .type = "_ipp._tcp", .domain = "local."};
+    const auto id = LocalNetworkDevice::identifier(printer.name, printer.domain);
+    const std::string safe = "\uFFFDPrinter ";
+    for (int i = 0; i < 2; ++i) {
+        network.announce(printer);
+        browser.setLossAlert(true, id);
+        EXPECT_THAT(lines(),
+                    AllOf(Contains("network device " + safe + ": Printer"),
+                          Contains("tracking " + safe + ", alert when it has been away for 600 seconds")));
+        browser.forget(id);
+        EXPECT_THAT(lines(), ElementsAre("no longer tracking " + safe)) << "and is told anew when it is back";
+        network.vanish(printer);
+        static_cast<void>(lines());
+    }
 }
 
 TEST_F(ReadableReportTest, aSlowReaderGetsTheLatestState) {
