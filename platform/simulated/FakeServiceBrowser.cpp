@@ -6,6 +6,8 @@ namespace nightjar {
 
 void FakeServiceBrowser::browse(const std::string& type) {
     m_browsed.insert(type);
+    if (m_onBrowse)
+        m_onBrowse();
 }
 
 void FakeServiceBrowser::announce(const ServiceInstance& instance) {

@@ -28,6 +28,9 @@ public:
     /// Tells the current set of every type that is browsed, as a system does soon after `browse`.
     void tellAll();
 
+    /// `act` is called for each type that is browsed from now on; it may arm a timer to tell of it.
+    void onBrowse(std::function<void()> act) { m_onBrowse = std::move(act); }
+
     [[nodiscard]] const std::set<std::string>& browsed() const { return m_browsed; }
     [[nodiscard]] bool isImportant(const ServiceInstance& instance) const {
         return m_isImportant && m_isImportant(instance);
@@ -38,6 +41,7 @@ private:
 
     Listener m_listener;
     std::function<bool(const ServiceInstance&)> m_isImportant;
+    std::function<void()> m_onBrowse;
     std::set<std::string> m_browsed;
     std::map<std::string, std::set<ServiceInstance>> m_instances; ///< by type
 };

@@ -8,6 +8,9 @@
 namespace nightjar {
 namespace {
 
+/// Machines need a moment to answer who is there.
+constexpr std::chrono::milliseconds answerTime{400};
+
 /// Calls `act` with each service of a machine on each of its interfaces.
 template <class Act>
 void forEachService(const SimulatedHost& host, Act act) {
@@ -57,9 +60,13 @@ NetworkWorld::NetworkWorld(FakeServiceBrowser& browser, Scheduler& scheduler,
     : m_browser(browser), m_scheduler(scheduler), m_beginning(scheduler.steadyNow()) {
     for (const auto& host : hosts)
         m_guests.push_back(std::make_unique<Guest>(host));
+    // Who begins to look finds those who are there, also when he looks a second time.
+    m_browser.onBrowse([this] { m_answer = m_scheduler.after(answerTime, [this] { m_browser.tellAll(); }); });
 }
 
-NetworkWorld::~NetworkWorld() = default;
+NetworkWorld::~NetworkWorld() {
+    m_browser.onBrowse({});
+}
 
 void NetworkWorld::begin() {
     m_beginning = m_scheduler.steadyNow();

@@ -48,6 +48,7 @@ private:
     Scheduler& m_scheduler;
     SteadyTime m_beginning;
     std::vector<std::unique_ptr<Guest>> m_guests;
+    Timer m_answer;
 };
 
 } // namespace nightjar

@@ -40,6 +40,12 @@ TEST(NetworkWorldTest, machinesComeAndGoInRoundsOnAllTheirInterfaces) {
     scheduler.advance(200s);
     EXPECT_THAT(sizes["_ipp._tcp"], ElementsAre(1, 0, 1, 0, 1, 0, 1, 0, 1, 0)) << "218 s: in the third round";
     EXPECT_THAT(sizes["_ssh._tcp"], ElementsAre(1, 2));
+
+    browser.cancel();
+    browser.browse("_ssh._tcp");
+    EXPECT_EQ(sizes["_ssh._tcp"].size(), 2U) << "never within the call";
+    scheduler.advance(1s);
+    EXPECT_THAT(sizes["_ssh._tcp"], ElementsAre(1, 2, 2)) << "who looks again finds who is there";
 }
 
 } // namespace
