@@ -31,6 +31,7 @@ void AvahiDaemon::setNeeded(bool isNeeded) {
     m_isNeeded = isNeeded;
     if (!isNeeded) {
         m_pulse.cancel();
+        m_nextStart.cancel();
         return;
     }
     if (!begins)
@@ -46,7 +47,7 @@ void AvahiDaemon::setNeeded(bool isNeeded) {
 }
 
 void AvahiDaemon::busOpened() {
-    m_wasStarted = false;
+    m_isStarting = false;
     if (subscribe())
         askForOwner();
     else
@@ -56,6 +57,7 @@ void AvahiDaemon::busOpened() {
 void AvahiDaemon::busLost() {
     m_nextQuestion.cancel();
     setOwner(QString());
+    m_nextStart.cancel();
 }
 
 void AvahiDaemon::busFailed() {
@@ -93,12 +95,13 @@ void AvahiDaemon::askForOwner() {
                 });
 }
 
-/// Once: a daemon that was stopped later was meant to be.
+/// A daemon that is stopped for good cannot be started; one that crashed can.
 void AvahiDaemon::startDaemon() {
-    if (!m_owner.isEmpty())
+    if (!m_owner.isEmpty() || m_isStarting || !m_connector.isConnected())
         return;
-    if (!m_isNeeded || std::exchange(m_wasStarted, true))
+    if (!m_isNeeded)
         return setPresence(Presence::absent);
+    m_isStarting = true;
     callLater(m_connector.bus(), *this,
               {.service = avahi::service,
                .path = avahi::rootPath,
@@ -106,8 +109,10 @@ void AvahiDaemon::startDaemon() {
                .method = QStringLiteral("GetAPIVersion"),
                .limit = m_settings.startTimeout,
                .startsService = true},
-              [this, epoch = m_epoch](const QDBusMessage& answer) {
-                  if (epoch == m_epoch && m_owner.isEmpty())
+              [this](const QDBusMessage& answer) {
+                  // One that came from an earlier bus does no harm.
+                  if (std::exchange(m_isStarting, false) && m_owner.isEmpty() &&
+                      answer.type() != QDBusMessage::InvalidMessage)
                       startAnswered(answer);
               });
 }
@@ -147,6 +152,9 @@ void AvahiDaemon::setPresence(Presence presence) {
     }
     if (m_presence == Presence::present && m_isNeeded)
         pingAfter(m_settings.pingPeriod);
+    m_nextStart.cancel();
+    if (m_isNeeded && m_owner.isEmpty() && m_connector.isConnected())
+        m_nextStart = m_scheduler.after(m_settings.startPause, [this] { startDaemon(); });
 }
 
 void AvahiDaemon::browserSignalled(const QDBusMessage& signal) {

@@ -39,8 +39,8 @@ public:
     AvahiDaemon(BusConnector& connector, Scheduler& scheduler, const AvahiSettings& settings,
                 Handlers handlers);
 
-    /// Whether the daemon is needed now: the bus is opened, the daemon is started once if the bus can do
-    /// that, and it is asked now and then whether it lives.
+    /// Whether the daemon is needed now: the bus is opened, the daemon is started if the bus can do that, now
+    /// and then until it is there, and it is asked now and then whether it lives.
     void setNeeded(bool isNeeded);
     [[nodiscard]] Presence presence() const { return m_presence; }
     /// What the bus said when it could not start the daemon.
@@ -87,11 +87,12 @@ private:
     QString m_owner; ///< unique name; empty = no daemon
     QString m_problem;
     bool m_isNeeded = false;
-    bool m_wasStarted = false; ///< by us, on this bus
+    bool m_isStarting = false; ///< the bus has been asked to
     std::uint64_t m_epoch = 0; ///< answers of an earlier one are dropped
     std::uint64_t m_pings = 0; ///< only the latest counts
     Timer m_pulse;
     Timer m_nextQuestion;
+    Timer m_nextStart;
 };
 
 } // namespace nightjar

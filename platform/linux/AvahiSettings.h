@@ -11,19 +11,26 @@ namespace nightjar {
 struct ProberSettings {
     using Milliseconds = std::chrono::milliseconds;
 
-    /// A service that is there is asked again after this long, a tenth more or less.
+    /// An important service that is there is asked again after this long, a tenth more or less ...
     Milliseconds period{60'000};
+    /// ... and any other after this long: a household has few that matter and many that cost.
+    Milliseconds usualPeriod{240'000};
     /// After a time-out or an error. Sooner, the daemon would send no question.
     Milliseconds suspectPause{10'000};
-    /// While it is gone: with the 5 s that a question takes, a return is noticed within 30 s.
+    /// While it is gone: with the 5 s that a question takes, a return is noticed within 30 s ...
     Milliseconds gonePause{25'000};
+    /// ... and within two minutes when it is not important.
+    Milliseconds usualGonePause{115'000};
     /// So many time-outs in a row mean that it is gone.
     int timeoutsUntilGone = 3;
     std::size_t mostInFlight = 16;
+    /// When one falls silent and nobody has been heard since, so many others are asked at once.
+    std::size_t witnesses = 3;
     /// The daemon waits 5 s for an answer. A time-out that comes sooner is not one: its clock was moved, or
     /// the computer slept.
     Milliseconds shortestTimeout{3'000};
-    /// After the computer slept no time-out counts for so long: the network has to come back first.
+    /// After the computer slept, or had no link, no time-out counts for so long: the network has to come back
+    /// first.
     Milliseconds wakeGrace{30'000};
     /// When the date moves so much against steady time, the computer slept, or its clock was set.
     Milliseconds sleepJump{5'000};
@@ -39,15 +46,19 @@ struct AvahiSettings {
     Milliseconds answerTimeout{5'000};
     /// The daemon itself gives up after 5 s.
     Milliseconds resolveTimeout{15'000};
-    /// Starting the daemon may take this long.
+    /// Starting the daemon may take this long, and is tried again after this long.
     Milliseconds startTimeout{30'000};
+    Milliseconds startPause{60'000};
 
     /// Changes of a set that come so close together are told at once.
     Milliseconds coalescing{200};
     /// A set counts as complete after this long when the daemon never says so.
     Milliseconds completeAfter{5'000};
-    /// What was there before the daemon went is kept for so long after it came back and had its say.
+    /// What was there before the daemon went is kept for so long after it came back and had its say; so is
+    /// what was there before an interface of ours went.
     Milliseconds holding{12'000};
+    /// For so long it is kept while that interface is away and another one can hear.
+    Milliseconds linkPatience{120'000};
     /// A type that was refused is asked for again after this long.
     Milliseconds refusedPause{60'000};
 
