@@ -79,7 +79,8 @@ private:
     QtMainThread m_mainThread;
     QtScheduler m_scheduler;
     BusConnector m_connector;
-    AvahiServiceBrowser m_browser{m_connector, m_scheduler};
+    NetworkLinks m_links;
+    AvahiServiceBrowser m_browser{m_connector, m_scheduler, m_links};
     std::map<std::string, std::size_t> m_sizes;
     double m_lastChange = 0;
 };

@@ -43,6 +43,9 @@ public:
         std::function<void(const std::string& type, const std::vector<ServiceInstance>&)> onResults{};
         /// After each change.
         std::function<void(const ServiceBrowserState&)> onState{};
+        /// The latest sets are without these because an interface of this computer went away: nobody knows
+        /// whether the devices have left.
+        std::function<void(const std::vector<ServiceInstance>&)> onOutOfSight{};
     };
 
     virtual ~ServiceBrowser() = default;

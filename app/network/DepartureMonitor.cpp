@@ -9,6 +9,11 @@ void DepartureMonitor::arm(const std::string& id) {
     m_offlineSince.erase(id);
 }
 
+void DepartureMonitor::disarm(const std::string& id) {
+    m_heardThisSession.erase(id);
+    m_offlineSince.erase(id);
+}
+
 void DepartureMonitor::disarmAll() {
     m_heardThisSession.clear();
     m_offlineSince.clear();

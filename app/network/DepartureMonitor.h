@@ -25,6 +25,8 @@ public:
 
     /// A device that is online is watched from now on.
     void arm(const std::string& id);
+    /// A device that is offline may well be there: it is watched again once it is online.
+    void disarm(const std::string& id);
     /// A scan begins or ends; who has been alerted stays.
     void disarmAll();
     /// A device that is watched is online. Whether its return is to be told.

@@ -80,6 +80,7 @@ private:
     void listen();
     void receive(const std::vector<ServiceInstance>& instances, const std::string& serviceType);
     void handle(const ServiceBrowserState& browser);
+    void loseSight(const std::vector<ServiceInstance>& instances);
     void recordResults(const std::vector<ServiceInstance>& instances, const std::string& serviceType);
     [[nodiscard]] std::vector<LocalNetworkDevice> updateMonitoring(SteadyTime now);
     void checkLossAlerts(SteadyTime now);

@@ -35,7 +35,8 @@ void LocalNetworkBrowser::listen() {
     m_platform.services.setListener(
         {.onResults = [this](const std::string& type,
                              const std::vector<ServiceInstance>& instances) { receive(instances, type); },
-         .onState = [this](const ServiceBrowserState& browser) { handle(browser); }});
+         .onState = [this](const ServiceBrowserState& browser) { handle(browser); },
+         .onOutOfSight = [this](const auto& instances) { loseSight(instances); }});
 }
 
 void LocalNetworkBrowser::receive(const std::vector<ServiceInstance>& instances,
@@ -127,6 +128,19 @@ bool LocalNetworkBrowser::mayHaveMissedResults(SteadyTime now) {
     if (ahead - std::exchange(m_dateAhead, ahead) >= slept)
         judgeNoSoonerThan(now + wakeUp);
     return m_isBlind || now < m_judgesFrom;
+}
+
+/// Offline, but not missed: it is armed again once it is seen.
+void LocalNetworkBrowser::loseSight(const std::vector<ServiceInstance>& instances) {
+    if (!m_isBrowsing)
+        return;
+    Q_EMIT aboutToChange();
+    for (const ServiceInstance& instance : instances) {
+        const auto id = LocalNetworkDevice::identifier(instance.name, instance.domain);
+        if (const auto* device = m_devices.find(id); device && !device->isOnline)
+            m_departures.disarm(id);
+    }
+    Q_EMIT devicesChanged();
 }
 
 void LocalNetworkBrowser::postLeft(const LocalNetworkDevice& device) {

@@ -36,38 +36,61 @@ ServiceProber::Answer read(const QDBusMessage& answer) {
 
 } // namespace
 
-AvahiServiceBrowser::AvahiServiceBrowser(BusConnector& connector, Scheduler& scheduler,
+AvahiServiceBrowser::AvahiServiceBrowser(BusConnector& connector, Scheduler& scheduler, NetworkLinks& links,
                                          const AvahiSettings& settings)
     : m_scheduler(scheduler),
       m_settings(settings),
       m_prober(
           scheduler, m_settings.prober,
-          [this](const ServiceInstance& instance, auto answered) { resolve(instance, std::move(answered)); },
+          [this](const ProbedService& service, auto answered) { resolve(service, std::move(answered)); },
           proberHandlers()),
       m_sets(scheduler, m_settings, setHandlers()),
+      m_sight(links, scheduler, m_settings, sightHandlers()),
       m_daemon(connector, scheduler, m_settings, daemonHandlers()),
       m_browsers(m_daemon, scheduler, m_settings, browserHandlers()) {}
 
 ServiceProber::Handlers AvahiServiceBrowser::proberHandlers() {
-    return {.changed = [this](const ServiceInstance& instance) { m_sets.touch(instance.type); },
+    return {.changed = [this](const ProbedService& service) { m_sets.touch(service.type); },
             .settled = [this] { m_sets.touchAllNow(); },
             .doubtChanged = [this] { publishSoon(); }};
 }
 
+LinkSight::Handlers AvahiServiceBrowser::sightHandlers() {
+    return {.usableChanged =
+                [this](int index, bool isUsable) {
+                    m_prober.setUsable(index, isUsable);
+                    publishSoon();
+                },
+            .released = [this] { m_sets.tellNow(); }};
+}
+
 ServiceSets::Handlers AvahiServiceBrowser::setHandlers() {
-    return {.isThere = [this](const ServiceInstance& instance) { return m_prober.isThere(instance); },
-            .interfaceName = [this](int index) -> std::optional<InterfaceName> {
-                const auto found = m_interfaceNames.find(index);
-                return found == m_interfaceNames.end() ? std::nullopt : found->second;
+    return {
+        .isThere =
+            [this](const std::string& type, const std::string& name, int index) {
+                return m_prober.isThere({.name = name, .type = type, .interfaceIndex = index}).value_or(true);
             },
-            .isUnsettled = [this] { return m_prober.isUnsettled(); },
-            .tell =
-                [this](const std::string& type, const std::vector<ServiceInstance>& instances) {
-                    // The listener may be replaced by what it does.
-                    const auto listener = m_listener;
-                    if (listener->onResults)
-                        listener->onResults(type, instances);
-                }};
+        .interfaceName = [this](int index) -> std::optional<InterfaceName> {
+            const auto found = m_interfaceNames.find(index);
+            return found == m_interfaceNames.end() ? std::nullopt : found->second;
+        },
+        .isUnsettled = [this] { return m_prober.isUnsettled(); },
+        .mayTell = [this] { return mayTell(); },
+        .keeps = [this](const std::string& name) { return m_sight.keeps(name); },
+        .judges = [this](const std::string& name) { return m_sight.judges(name); },
+        .tell =
+            [this](const std::string& type, const std::vector<ServiceInstance>& instances) {
+                // The listener may be replaced by what it does.
+                const auto listener = m_listener;
+                if (listener->onResults)
+                    listener->onResults(type, instances);
+            },
+        .outOfSight =
+            [this](const std::vector<ServiceInstance>& instances) {
+                const auto listener = m_listener;
+                if (listener->onOutOfSight)
+                    listener->onOutOfSight(instances);
+            }};
 }
 
 AvahiDaemon::Handlers AvahiServiceBrowser::daemonHandlers() {
@@ -99,6 +122,7 @@ void AvahiServiceBrowser::browse(const std::string& type) {
             m_isPatienceOver = true;
             publish();
         });
+    m_sight.begin();
     m_browsers.add(type);
     m_daemon.setNeeded(true);
     publishSoon();
@@ -116,7 +140,9 @@ void AvahiServiceBrowser::cancel() {
 }
 
 void AvahiServiceBrowser::setImportant(std::function<bool(const ServiceInstance&)> isImportant) {
-    m_prober.setImportant(std::move(isImportant));
+    m_prober.setImportant([isImportant = std::move(isImportant)](const ProbedService& service) {
+        return isImportant && isImportant(ServiceSets::instance(service.type, service.name));
+    });
 }
 
 void AvahiServiceBrowser::presenceChanged() {
@@ -133,21 +159,21 @@ void AvahiServiceBrowser::added(const std::string& type, const std::string& name
                                 unsigned flags) {
     if (flags & avahi::resultLocal)
         return;
-    const auto instance = ServiceSets::instance(type, name);
     using Source = ServiceProber::Source;
     const bool isHeld = m_sets.isHeld(type, name);
     if (!m_sets.add(type, name, place))
         return;
-    m_prober.add(instance, !(flags & avahi::resultCached) ? Source::heard
-                           : isHeld                       ? Source::knownBefore
-                                                          : Source::remembered);
+    const ProbedService service{.name = name, .type = type, .interfaceIndex = place.interfaceIndex};
+    m_prober.add(service, !(flags & avahi::resultCached) ? Source::heard
+                          : isHeld                       ? Source::knownBefore
+                                                         : Source::remembered);
     askForInterfaceName(place.interfaceIndex);
 }
 
 void AvahiServiceBrowser::removed(const std::string& type, const std::string& name,
                                   ServiceSets::Place place) {
     if (m_sets.remove(type, name, place))
-        m_prober.remove(ServiceSets::instance(type, name));
+        m_prober.remove({.name = name, .type = type, .interfaceIndex = place.interfaceIndex});
 }
 
 void AvahiServiceBrowser::askForInterfaceName(int index) {
@@ -163,11 +189,11 @@ void AvahiServiceBrowser::askForInterfaceName(int index) {
                   });
 }
 
-void AvahiServiceBrowser::resolve(const ServiceInstance& instance,
+void AvahiServiceBrowser::resolve(const ProbedService& service,
                                   std::function<void(ServiceProber::Answer)> answered) {
     m_daemon.call(avahi::rootPath, avahi::server, QStringLiteral("ResolveService"),
-                  {avahi::unspecified, avahi::unspecified, QString::fromStdString(instance.name),
-                   QString::fromStdString(instance.type), QStringLiteral("local"), avahi::unspecified,
+                  {service.interfaceIndex, avahi::unspecified, QString::fromStdString(service.name),
+                   QString::fromStdString(service.type), QStringLiteral("local"), avahi::unspecified,
                    avahi::lookupNoTextNoAddress},
                   m_settings.resolveTimeout,
                   [answered = std::move(answered)](const QDBusMessage& answer) { answered(read(answer)); });
@@ -184,12 +210,26 @@ void AvahiServiceBrowser::publish() {
     if (m_browsers.all().empty())
         return;
     auto state = trueState();
-    if (m_told == state)
+    const auto before = m_told;
+    if (before != state) {
+        m_told = state;
+        const auto listener = m_listener;
+        if (listener->onState)
+            listener->onState(state);
+    }
+    if (m_told != state || state.kind != Kind::ready)
         return;
-    m_told = state;
-    const auto listener = m_listener;
-    if (listener->onState)
-        listener->onState(state);
+    // Who was told of trouble has to hear that what is known holds again.
+    if (before && before->kind != Kind::ready && before->kind != Kind::settingUp)
+        m_sets.tellAgain();
+    else
+        m_sets.resume();
+}
+
+/// A watch that hears nobody says so, instead of telling sets that nobody has looked at.
+bool AvahiServiceBrowser::mayTell() {
+    m_sight.lookNow();
+    return m_daemon.presence() == Presence::present && m_sight.canHear() && !m_prober.isInDoubt();
 }
 
 ServiceBrowserState AvahiServiceBrowser::trueState() const {
@@ -206,6 +246,8 @@ ServiceBrowserState AvahiServiceBrowser::trueState() const {
     case Presence::present:
         break;
     }
+    if (!m_sight.canHear())
+        return waiting("This computer is not connected to a network.");
     const auto& browsers = m_browsers.all();
     const auto firstIn = [&](Phase phase) {
         return std::ranges::find(browsers, phase, [](const auto& item) { return item.second.phase; });

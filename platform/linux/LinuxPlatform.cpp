@@ -36,7 +36,7 @@ LinuxPlatform::LinuxPlatform()
       m_wake(m_systemBus),
       m_messages(m_systemBus, m_sessionBus),
       m_networkBus(m_mainThread, m_scheduler, BusConnector::openSystemBus),
-      m_network(m_networkBus, m_scheduler) {}
+      m_network(m_networkBus, m_scheduler, m_links) {}
 
 PlatformServices LinuxPlatform::services() {
     return {.host = m_host,

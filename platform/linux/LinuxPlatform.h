@@ -47,6 +47,7 @@ private:
     LogindWakeMonitor m_wake;
     LinuxMessageTransport m_messages;
     BusConnector m_networkBus;
+    NetworkLinks m_links;
     AvahiServiceBrowser m_network;
 };
 

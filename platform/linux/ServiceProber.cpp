@@ -3,7 +3,6 @@
 #include "platform/linux/ServiceProber.h"
 
 #include <algorithm>
-#include <cmath>
 #include <vector>
 
 namespace nightjar {
@@ -15,14 +14,10 @@ ServiceProber::ServiceProber(Scheduler& scheduler, const ProberSettings& setting
       m_handlers(std::move(handlers)),
       m_dateOffset(scheduler.now().time_since_epoch() - scheduler.steadyNow().time_since_epoch()) {}
 
-ServiceInstance ServiceProber::keyOf(const ServiceInstance& instance) {
-    return {.name = instance.name, .type = instance.type, .domain = instance.domain};
-}
-
-void ServiceProber::add(const ServiceInstance& instance, Source source) {
-    const auto [item, isNew] = m_entries.try_emplace(keyOf(instance));
+void ServiceProber::add(const ProbedService& service, Source source) {
+    const auto [item, isNew] = m_entries.try_emplace(service);
     if (source == Source::heard)
-        heardSomebody();
+        heardSomebody(service.interfaceIndex);
     if (!isNew) {
         if (source == Source::heard)
             foundThere(*item);
@@ -30,18 +25,18 @@ void ServiceProber::add(const ServiceInstance& instance, Source source) {
     }
     Entry& entry = item->second;
     entry.number = ++m_lastNumber;
-    entry.isImportant = m_isImportant && m_isImportant(item->first);
+    entry.isImportant = m_isImportant && m_isImportant(service);
     entry.isProven = source != Source::remembered;
     entry.isUnsettled = source == Source::remembered;
     m_unsettled += entry.isUnsettled ? 1 : 0;
     // Many that come at once are spread over the period.
-    auto spread = std::uniform_int_distribution<std::int64_t>(m_settings.period.count() / 10,
-                                                              m_settings.period.count());
+    const auto period = periodOf(entry).count();
+    auto spread = std::uniform_int_distribution<std::int64_t>(period / 10, period);
     schedule(*item, std::chrono::milliseconds(source == Source::heard ? spread(m_random) : 0));
 }
 
-void ServiceProber::remove(const ServiceInstance& instance) {
-    const auto item = m_entries.find(keyOf(instance));
+void ServiceProber::remove(const ProbedService& service) {
+    const auto item = m_entries.find(service);
     if (item == m_entries.end())
         return;
     unschedule(*item);
@@ -50,7 +45,7 @@ void ServiceProber::remove(const ServiceInstance& instance) {
 }
 
 void ServiceProber::removeType(const std::string& type) {
-    std::vector<ServiceInstance> keys;
+    std::vector<ProbedService> keys;
     for (const auto& [key, entry] : m_entries)
         if (key.type == type)
             keys.push_back(key);
@@ -66,41 +61,67 @@ void ServiceProber::clear() {
     ++m_round;
     m_inFlight = 0;
     m_unsettled = 0;
-    m_lastLife.reset();
-    m_isSilenceBelieved = false;
-    endDoubt();
-}
-
-void ServiceProber::setImportant(std::function<bool(const ServiceInstance&)> isImportant) {
-    m_isImportant = std::move(isImportant);
-    for (auto& [key, entry] : m_entries) {
-        const bool wasQueued = queueOf(entry).erase({entry.due, &key}) > 0;
-        entry.isImportant = m_isImportant && m_isImportant(key);
-        if (wasQueued)
-            queueOf(entry).emplace(entry.due, &key);
+    for (auto& [index, line] : m_lines) {
+        line.lastLife.reset();
+        line.isSilenceBelieved = false;
+        endDoubt(line);
     }
 }
 
-std::optional<bool> ServiceProber::isThere(const ServiceInstance& instance) const {
-    const auto item = m_entries.find(keyOf(instance));
+void ServiceProber::setImportant(IsImportant isImportant) {
+    m_isImportant = std::move(isImportant);
+    for (auto& item : m_entries) {
+        auto& [key, entry] = item;
+        const bool isQueued = queueOf(entry).erase({entry.due, &key}) > 0;
+        const bool wasImportant = std::exchange(entry.isImportant, m_isImportant && m_isImportant(key));
+        if (!isQueued)
+            continue;
+        queueOf(entry).emplace(entry.due, &key);
+        // Not at once after a question: the daemon would send no other.
+        if (entry.isImportant && !wasImportant)
+            bringForward(item, entry.asked + 2 * m_settings.suspectPause);
+    }
+    armTimer();
+}
+
+std::optional<bool> ServiceProber::isThere(const ProbedService& service) const {
+    const auto item = m_entries.find(service);
     if (item == m_entries.end())
         return std::nullopt;
     return item->second.isProven && !item->second.isGone;
 }
 
-void ServiceProber::schedule(Entries::value_type& item, std::chrono::milliseconds delay) {
+std::chrono::milliseconds ServiceProber::periodOf(const Entry& entry) const {
+    return entry.isImportant ? m_settings.period : m_settings.usualPeriod;
+}
+
+/// After a question that was answered by nobody.
+std::chrono::milliseconds ServiceProber::pauseOf(const Entry& entry) const {
+    if (!entry.isGone)
+        return m_settings.suspectPause;
+    return entry.isImportant ? m_settings.gonePause : m_settings.usualGonePause;
+}
+
+void ServiceProber::schedule(Item& item, std::chrono::milliseconds delay) {
     unschedule(item);
     item.second.due = m_scheduler.steadyNow() + delay;
     queueOf(item.second).emplace(item.second.due, &item.first);
     armTimer();
 }
 
-void ServiceProber::unschedule(Entries::value_type& item) {
+void ServiceProber::unschedule(Item& item) {
     queueOf(item.second).erase({item.second.due, &item.first});
 }
 
+/// Never later than it would be anyway.
+void ServiceProber::bringForward(Item& item, SteadyTime due) {
+    const auto now = m_scheduler.steadyNow();
+    schedule(item, std::chrono::ceil<std::chrono::milliseconds>(
+                       std::min(std::max(due, now), std::max(item.second.due, now)) - now));
+}
+
 /// Null when nothing is.
-const ServiceInstance* ServiceProber::nextDue() const {
+const ProbedService* ServiceProber::nextDue() const {
     const auto now = m_scheduler.steadyNow();
     for (const Queue* queue : {&m_important, &m_usual})
         if (!queue->empty() && queue->begin()->first <= now)
@@ -131,7 +152,7 @@ void ServiceProber::askNext() {
     armTimer();
 }
 
-void ServiceProber::ask(Entries::value_type& item) {
+void ServiceProber::ask(Item& item) {
     unschedule(item);
     item.second.isInFlight = true;
     item.second.asked = m_scheduler.steadyNow();
@@ -142,66 +163,58 @@ void ServiceProber::ask(Entries::value_type& item) {
     });
 }
 
-void ServiceProber::answered(const ServiceInstance& key, std::uint64_t number, Answer answer) {
+void ServiceProber::answered(const ProbedService& key, std::uint64_t number, Answer answer) {
     --m_inFlight;
     lookForSleep();
     if (answer == Answer::there)
-        heardSomebody();
+        heardSomebody(key.interfaceIndex);
     const auto item = m_entries.find(key);
     if (item != m_entries.end() && item->second.number == number) {
         item->second.isInFlight = false;
-        const auto now = m_scheduler.steadyNow();
-        const bool isEvidence =
-            now - item->second.asked >= m_settings.shortestTimeout && now >= m_evidenceFrom;
         // What the daemon remembers after a time-out has come to it since.
         if (answer == Answer::thereFromMemory && item->second.timeouts > 0)
-            heardSomebody();
+            heardSomebody(key.interfaceIndex);
         if (answer == Answer::there || answer == Answer::thereFromMemory)
             foundThere(*item);
-        else if (answer == Answer::timeout && isEvidence)
+        else if (!m_lines[key.interfaceIndex].isUsable)
+            schedule(*item, periodOf(item->second));
+        else if (answer == Answer::timeout && isEvidence(*item))
             timedOut(*item);
         else
-            schedule(*item, item->second.isGone ? m_settings.gonePause : m_settings.suspectPause);
+            schedule(*item, pauseOf(item->second));
         settle(item->second);
     }
     armTimer();
 }
 
-void ServiceProber::foundThere(Entries::value_type& item) {
+void ServiceProber::foundThere(Item& item) {
     Entry& entry = item.second;
     entry.timeouts = 0;
     const bool wasThere = entry.isProven && !entry.isGone;
     entry.isProven = true;
     entry.isGone = false;
     if (!entry.isInFlight)
-        schedule(item, about(m_settings.period));
+        schedule(item, about(periodOf(entry)));
     if (!wasThere)
         m_handlers.changed(item.first);
     settle(entry);
 }
 
-void ServiceProber::timedOut(Entries::value_type& item) {
+void ServiceProber::timedOut(Item& item) {
     Entry& entry = item.second;
-    if (entry.isGone)
-        return schedule(item, m_settings.gonePause);
-    if (entry.timeouts++ == 0)
+    if (!entry.isGone && entry.timeouts++ == 0)
         entry.firstTimeout = entry.asked;
-    schedule(item, m_settings.suspectPause);
+    schedule(item, pauseOf(entry));
+    if (entry.isGone)
+        return;
+    if (entry.timeouts == 1)
+        callWitnesses(item);
     if (entry.timeouts < m_settings.timeoutsUntilGone)
         return;
-    if (m_isInDoubt || isDoubtful(item))
-        beginDoubt();
+    if (isDoubtful(item))
+        beginDoubt(item.first.interfaceIndex);
     else
         withdraw(item);
-}
-
-void ServiceProber::withdraw(Entries::value_type& item) {
-    const bool wasThere = item.second.isProven;
-    item.second.isGone = true;
-    if (!item.second.isInFlight)
-        schedule(item, m_settings.gonePause);
-    if (wasThere)
-        m_handlers.changed(item.first);
 }
 
 void ServiceProber::settle(Entry& entry) {
@@ -209,66 +222,6 @@ void ServiceProber::settle(Entry& entry) {
         return;
     if (--m_unsettled == 0)
         m_handlers.settled();
-}
-
-/// The date goes on while the computer sleeps, steady time does not.
-void ServiceProber::lookForSleep() {
-    const Seconds offset = m_scheduler.now().time_since_epoch() - m_scheduler.steadyNow().time_since_epoch();
-    const Seconds jump = offset - std::exchange(m_dateOffset, offset);
-    if (std::abs(jump.count()) < Seconds(m_settings.sleepJump).count())
-        return;
-    m_evidenceFrom = m_scheduler.steadyNow() + m_settings.wakeGrace;
-    for (auto& [key, entry] : m_entries)
-        entry.timeouts = 0;
-    m_isSilenceBelieved = false;
-    endDoubt();
-}
-
-/// Whether nobody has been heard since this one was first asked in vain, though there should be others.
-bool ServiceProber::isDoubtful(const Entries::value_type& item) const {
-    if (m_isSilenceBelieved || (m_lastLife && *m_lastLife >= item.second.firstTimeout))
-        return false;
-    return std::ranges::any_of(m_entries, [&](const auto& other) {
-        return other.first.name != item.first.name && other.second.isProven && !other.second.isGone;
-    });
-}
-
-void ServiceProber::heardSomebody() {
-    m_lastLife = m_scheduler.steadyNow();
-    m_isSilenceBelieved = false;
-    if (!m_isInDoubt)
-        return;
-    // Now that the link works, one more time-out tells.
-    for (auto& [key, entry] : m_entries)
-        entry.timeouts = std::min(entry.timeouts, m_settings.timeoutsUntilGone - 1);
-    endDoubt();
-}
-
-void ServiceProber::beginDoubt() {
-    if (std::exchange(m_isInDoubt, true))
-        return;
-    m_doubt = m_scheduler.after(m_settings.doubtLimit, [this] { believeSilence(); });
-    m_handlers.doubtChanged();
-}
-
-void ServiceProber::endDoubt() {
-    m_doubt.cancel();
-    if (std::exchange(m_isInDoubt, false))
-        m_handlers.doubtChanged();
-}
-
-void ServiceProber::believeSilence() {
-    m_isSilenceBelieved = true;
-    for (auto& item : m_entries)
-        if (!item.second.isGone && item.second.timeouts >= m_settings.timeoutsUntilGone)
-            withdraw(item);
-    endDoubt();
-}
-
-std::chrono::milliseconds ServiceProber::about(std::chrono::milliseconds time) {
-    const auto tenth = time.count() / 10;
-    return std::chrono::milliseconds(
-        std::uniform_int_distribution<std::int64_t>(time.count() - tenth, time.count() + tenth)(m_random));
 }
 
 } // namespace nightjar

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "platform/Scheduler.h"
-#include "platform/ServiceBrowser.h"
 #include "platform/linux/AvahiSettings.h"
 
+#include <compare>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -17,26 +17,37 @@
 
 namespace nightjar {
 
+/// A service on one of our interfaces.
+struct ProbedService {
+    std::string name{};
+    std::string type{};
+    int interfaceIndex = 0;
+
+    auto operator<=>(const ProbedService&) const = default;
+};
+
 /// Proves that announced services are still there, by asking for each of them again and again: a device that
 /// loses its power says no goodbye, and what it announced stays in everybody's memory for more than an hour.
-/// Knows a service by name, type and domain, whatever the interface. Main thread.
+/// Each interface is looked at by itself. Main thread.
 ///
-/// Only time-outs are evidence, and only three in a row. When the last of several devices seems to have
-/// fallen silent while nobody at all has answered, it is rather our own link: this is doubt. Nothing is taken
-/// for gone then until somebody answers, after which one more time-out decides, or until the doubt has lasted
-/// for two minutes: a broken router did take the devices from the network.
+/// Only time-outs are evidence, and only three in a row. When one device seems to have fallen silent while
+/// nobody else on that interface has answered, though there should be others, it is rather our own link: this
+/// is doubt. Nothing there is taken for gone then until somebody answers, after which one more time-out
+/// decides, or until the doubt has lasted for two minutes: a broken router did take the devices from the
+/// network. So that a doubt is rare and short, others are asked as soon as one falls silent.
 class ServiceProber {
 public:
     enum class Answer { there, thereFromMemory, timeout, error };
     /// Asks for a service and calls back later, once, or never after `clear`.
-    using Ask = std::function<void(const ServiceInstance&, std::function<void(Answer)>)>;
+    using Ask = std::function<void(const ProbedService&, std::function<void(Answer)>)>;
+    using IsImportant = std::function<bool(const ProbedService&)>;
     enum class Source {
         heard,       ///< on the network just now
         remembered,  ///< by the daemon: it counts as there after its first answer
         knownBefore, ///< by the daemon, and it was there the last time anyone looked
     };
     struct Handlers {
-        std::function<void(const ServiceInstance&)> changed{};
+        std::function<void(const ProbedService&)> changed{};
         /// No service waits for its first answer any more.
         std::function<void()> settled{};
         std::function<void()> doubtChanged{};
@@ -44,17 +55,20 @@ public:
 
     ServiceProber(Scheduler& scheduler, const ProberSettings& settings, Ask ask, Handlers handlers);
 
-    void add(const ServiceInstance& instance, Source source);
-    void remove(const ServiceInstance& instance);
+    void add(const ProbedService& service, Source source);
+    void remove(const ProbedService& service);
     void removeType(const std::string& type);
     /// Forgets all services; answers that are still missing never count.
     void clear();
-    void setImportant(std::function<bool(const ServiceInstance&)> isImportant);
+    /// The important ones are asked first and more often; one that becomes important is asked soon.
+    void setImportant(IsImportant isImportant);
+    /// While nothing can be heard on an interface of ours, and shortly after, silence there says nothing.
+    void setUsable(int interfaceIndex, bool isUsable);
 
     /// Absent: not known here.
-    [[nodiscard]] std::optional<bool> isThere(const ServiceInstance& instance) const;
+    [[nodiscard]] std::optional<bool> isThere(const ProbedService& service) const;
     [[nodiscard]] bool isUnsettled() const { return m_unsettled > 0; }
-    [[nodiscard]] bool isInDoubt() const { return m_isInDoubt; }
+    [[nodiscard]] bool isInDoubt() const;
 
 private:
     struct Entry {
@@ -69,48 +83,63 @@ private:
         bool isProven = false;
         bool isGone = false;
     };
-    using Entries = std::map<ServiceInstance, Entry>;
-    using Queue = std::set<std::pair<SteadyTime, const ServiceInstance*>>;
+    /// What is known of an interface.
+    struct Line {
+        std::optional<SteadyTime> lastLife{}; ///< when anybody was last heard there
+        SteadyTime evidenceFrom{};
+        bool isUsable = true;
+        bool isInDoubt = false;
+        bool isSilenceBelieved = false; ///< since a doubt that nobody ended
+        Timer doubt{};
+    };
+    using Entries = std::map<ProbedService, Entry>;
+    using Item = Entries::value_type;
+    using Queue = std::set<std::pair<SteadyTime, const ProbedService*>>;
 
-    [[nodiscard]] static ServiceInstance keyOf(const ServiceInstance& instance);
     [[nodiscard]] Queue& queueOf(const Entry& entry) { return entry.isImportant ? m_important : m_usual; }
-    void schedule(Entries::value_type& item, std::chrono::milliseconds delay);
-    void unschedule(Entries::value_type& item);
-    [[nodiscard]] const ServiceInstance* nextDue() const;
+    void schedule(Item& item, std::chrono::milliseconds delay);
+    void unschedule(Item& item);
+    void bringForward(Item& item, SteadyTime due);
+    [[nodiscard]] std::chrono::milliseconds periodOf(const Entry& entry) const;
+    [[nodiscard]] std::chrono::milliseconds pauseOf(const Entry& entry) const;
+    [[nodiscard]] const ProbedService* nextDue() const;
     void askNext();
     void armTimer();
-    void ask(Entries::value_type& item);
-    void answered(const ServiceInstance& key, std::uint64_t number, Answer answer);
-    void foundThere(Entries::value_type& item);
-    void timedOut(Entries::value_type& item);
+    void ask(Item& item);
+    void answered(const ProbedService& key, std::uint64_t number, Answer answer);
+    void foundThere(Item& item);
+    void timedOut(Item& item);
     void settle(Entry& entry);
+
+    // In ServiceProberDoubt.cpp: what silence means.
+    [[nodiscard]] bool isEvidence(const Item& item);
     void lookForSleep();
-    [[nodiscard]] bool isDoubtful(const Entries::value_type& item) const;
-    void withdraw(Entries::value_type& item);
-    void heardSomebody();
-    void beginDoubt();
-    void endDoubt();
-    void believeSilence();
+    void callWitnesses(const Item& silent);
+    [[nodiscard]] bool isWitness(const Item& other, const Item& silent) const;
+    [[nodiscard]] bool hasHeardSince(int interfaceIndex, SteadyTime time);
+    [[nodiscard]] bool isDoubtful(const Item& item);
+    void withdraw(Item& item);
+    void heardSomebody(int interfaceIndex);
+    void beginDoubt(int interfaceIndex);
+    void endDoubt(Line& line);
+    void believeSilence(int interfaceIndex);
     [[nodiscard]] std::chrono::milliseconds about(std::chrono::milliseconds time);
 
     Scheduler& m_scheduler;
     const ProberSettings m_settings;
     Ask m_ask;
     Handlers m_handlers;
-    std::function<bool(const ServiceInstance&)> m_isImportant;
+    IsImportant m_isImportant;
     Entries m_entries;
-    Queue m_important; ///< those that are not in flight, by the time when they are due
+    std::map<int, Line> m_lines; ///< by index
+    Queue m_important;           ///< those that are not in flight, by the time when they are due
     Queue m_usual;
     std::uint64_t m_lastNumber = 0;
     std::uint64_t m_round = 0; ///< answers of an earlier one are dropped
     std::size_t m_inFlight = 0;
     std::size_t m_unsettled = 0;
-    std::optional<SteadyTime> m_lastLife; ///< when anybody was last heard on the network
     SteadyTime m_evidenceFrom{};
     Seconds m_dateOffset{};
-    bool m_isInDoubt = false;
-    bool m_isSilenceBelieved = false; ///< since a doubt that nobody ended
-    Timer m_doubt;
     Timer m_timer;
     std::minstd_rand m_random;
 };

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/linux/ServiceSets.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace nightjar {
@@ -28,11 +30,13 @@ bool ServiceSets::remove(const std::string& type, const std::string& name, Place
     if (found == set.places.end() || found->second.erase(place) == 0)
         return false;
     markDirty(set, m_settings.coalescing);
-    if (!found->second.empty())
-        return false;
-    set.places.erase(found);
-    std::erase_if(set.held, [&](const ServiceInstance& held) { return held.name == name; });
-    return true;
+    const bool isElsewhereThere = std::ranges::any_of(
+        found->second, [&](const Place& other) { return other.interfaceIndex == place.interfaceIndex; });
+    if (found->second.empty()) {
+        set.places.erase(found);
+        std::erase_if(set.held, [&](const ServiceInstance& held) { return held.name == name; });
+    }
+    return !isElsewhereThere;
 }
 
 void ServiceSets::complete(const std::string& type) {
@@ -55,6 +59,24 @@ void ServiceSets::touch(const std::string& type) {
 void ServiceSets::touchAllNow() {
     for (auto& [type, set] : m_sets)
         markDirty(set, {});
+}
+
+void ServiceSets::tellNow() {
+    for (auto& [type, set] : m_sets)
+        set.isDirty = true;
+    flush();
+}
+
+void ServiceSets::resume() {
+    for (auto& [type, set] : m_sets)
+        if (set.isDirty)
+            markDirty(set, {});
+}
+
+void ServiceSets::tellAgain() {
+    for (auto& [type, set] : m_sets)
+        set.isToldAgain = true;
+    touchAllNow();
 }
 
 void ServiceSets::restart(const std::string& type) {
@@ -96,6 +118,8 @@ void ServiceSets::markDirty(Set& set, std::chrono::milliseconds delay) {
 
 void ServiceSets::flush() {
     m_flush.cancel();
+    if (!m_handlers.mayTell())
+        return;
     std::vector<std::string> types;
     for (const auto& [type, set] : m_sets)
         if (set.isDirty)
@@ -111,32 +135,49 @@ void ServiceSets::tell(const std::string& type, Set& set) {
     if (!instances || (!set.isComplete && instances->empty()))
         return;
     set.isDirty = false;
-    if (set.told == instances)
+    if (!std::exchange(set.isToldAgain, false) && set.told == instances)
         return;
-    set.told = instances;
+    const auto before = std::exchange(set.told, instances).value_or(Instances{});
     m_handlers.tell(type, *instances);
+    if (const auto lost = outOfSight(before, *instances); !lost.empty())
+        m_handlers.outOfSight(lost);
+}
+
+bool ServiceSets::keeps(const ServiceInstance& told) const {
+    return told.interfaceName && m_handlers.keeps(*told.interfaceName);
+}
+
+/// Those that are missing because of us.
+ServiceSets::Instances ServiceSets::outOfSight(const Instances& before, const Instances& after) const {
+    Instances lost;
+    std::ranges::set_difference(before, after, std::back_inserter(lost));
+    std::erase_if(lost, [this](const ServiceInstance& instance) {
+        return !instance.interfaceName || m_handlers.judges(*instance.interfaceName);
+    });
+    return lost;
 }
 
 /// Absent while the name of an interface is still being asked for; it is dirty until then.
-std::optional<std::vector<ServiceInstance>> ServiceSets::snapshot(const std::string& type,
-                                                                  const Set& set) const {
+std::optional<ServiceSets::Instances> ServiceSets::snapshot(const std::string& type, const Set& set) const {
     std::set<ServiceInstance> instances;
+    std::set<ServiceInstance> dead;
     for (const auto& [name, places] : set.places) {
         auto heard = instance(type, name);
-        if (!m_handlers.isThere(heard).value_or(true))
-            continue;
         for (const Place& place : places) {
             const auto interfaceName = m_handlers.interfaceName(place.interfaceIndex);
             if (!interfaceName)
                 return std::nullopt;
             heard.interfaceName = *interfaceName;
-            instances.insert(heard);
+            (m_handlers.isThere(type, name, place.interfaceIndex) ? instances : dead).insert(heard);
         }
     }
     for (const auto& held : set.held)
-        if (m_handlers.isThere(held).value_or(true))
+        if (!dead.contains(held))
             instances.insert(held);
-    return std::vector(instances.begin(), instances.end());
+    for (const auto& told : set.told.value_or(Instances{}))
+        if (keeps(told))
+            instances.insert(told);
+    return Instances(instances.begin(), instances.end());
 }
 
 } // namespace nightjar

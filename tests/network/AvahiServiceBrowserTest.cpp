@@ -29,9 +29,9 @@ AvahiSettings hurried() {
     settings.pingPeriod = 100ms;
     settings.pingTimeout = 500ms;
     settings.pingPause = 50ms;
-    settings.prober.period = 200ms;
+    settings.prober.period = settings.prober.usualPeriod = 200ms;
     settings.prober.suspectPause = 20ms;
-    settings.prober.gonePause = 50ms;
+    settings.prober.gonePause = settings.prober.usualGonePause = 50ms;
     settings.prober.shortestTimeout = 0ms;
     settings.prober.doubtLimit = 300ms;
     return settings;

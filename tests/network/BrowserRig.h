@@ -20,17 +20,27 @@ class BrowserRig {
 public:
     using Kind = ServiceBrowserState::Kind;
 
-    BrowserRig(BusConnector::OpenBus openBus, const AvahiSettings& settings)
+    /// Without a socket the computer's own links are not looked at.
+    BrowserRig(
+        BusConnector::OpenBus openBus, const AvahiSettings& settings,
+        NetworkLinks::OpenSocket openLinks = [] { return -1; })
         : m_connector(m_mainThread, m_scheduler, std::move(openBus)),
-          m_browser(m_connector, m_scheduler, settings) {
+          m_links(std::move(openLinks)),
+          m_browser(m_connector, m_scheduler, m_links, settings) {
         m_browser.setListener({.onResults =
                                    [this](const std::string& type, const auto& instances) {
                                        sets[type] = instances;
+                                       ++tellings;
                                        smallest[type] = std::min(
                                            smallest.try_emplace(type, instances.size()).first->second,
                                            instances.size());
                                    },
-                               .onState = [this](const auto& state) { states.push_back(state); }});
+                               .onState = [this](const auto& state) { states.push_back(state); },
+                               .onOutOfSight =
+                                   [this](const auto& instances) {
+                                       for (const auto& instance : instances)
+                                           outOfSight.push_back(instance.name);
+                                   }});
     }
 
     [[nodiscard]] ServiceBrowser& browser() { return m_browser; }
@@ -53,12 +63,15 @@ public:
 
     std::map<std::string, std::vector<ServiceInstance>> sets; ///< the latest, by type
     std::map<std::string, std::size_t> smallest;              ///< that was told of the type
+    int tellings = 0;
     std::vector<ServiceBrowserState> states;
+    std::vector<std::string> outOfSight; ///< names
 
 private:
     QtMainThread m_mainThread;
     QtScheduler m_scheduler;
     BusConnector m_connector;
+    NetworkLinks m_links;
     AvahiServiceBrowser m_browser;
 };
 

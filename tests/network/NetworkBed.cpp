@@ -2,12 +2,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/network/NetworkBed.h"
 
+#include "platform/linux/NetworkLinks.h"
+
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
 
 #include <csignal>
+#include <fcntl.h>
+#include <sched.h>
 #include <sys/prctl.h>
+#include <thread>
 #include <unistd.h>
 
 namespace nightjar::bed {
@@ -95,6 +100,20 @@ void Computer::run(const QStringList& command) const {
 QStringList Computer::inside(const QStringList& command) const {
     return QStringList{QStringLiteral("nsenter"), QStringLiteral("-t"), processId(), QStringLiteral("-n")} +
            command;
+}
+
+int Computer::openLinkSocket() const {
+    int socket = -1;
+    // A thread of its own, for a thread that has gone into a namespace stays there.
+    std::thread([&] {
+        const int network =
+            ::open(QStringLiteral("/proc/%1/ns/net").arg(processId()).toUtf8().constData(), O_RDONLY);
+        require(network >= 0 && ::setns(network, CLONE_NEWNET) == 0,
+                QStringLiteral("no way into the network"));
+        ::close(network);
+        socket = NetworkLinks::openSocket();
+    }).join();
+    return socket;
 }
 
 Switch::Switch(int number) : m_number(number) {

@@ -31,6 +31,8 @@ public:
     /// The words that start a program there.
     [[nodiscard]] QStringList inside(const QStringList& command) const;
     [[nodiscard]] QString processId() const { return QString::number(m_holder.processId()); }
+    /// As if the caller ran on that computer; see NetworkLinks::OpenSocket.
+    [[nodiscard]] int openLinkSocket() const;
 
 private:
     QProcess m_holder; ///< keeps the namespace

@@ -28,9 +28,9 @@ AvahiSettings hurried() {
     settings.pingPeriod = 500ms;
     settings.pingTimeout = 1s;
     settings.pingPause = 500ms;
-    settings.prober.period = 1500ms;
+    settings.prober.period = settings.prober.usualPeriod = 1500ms;
     settings.prober.suspectPause = 1s;
-    settings.prober.gonePause = 1s;
+    settings.prober.gonePause = settings.prober.usualGonePause = 1s;
     return settings;
 }
 

@@ -20,14 +20,18 @@ using ::testing::IsEmpty;
 using Answer = ServiceProber::Answer;
 using Source = ServiceProber::Source;
 
-ServiceInstance service(const std::string& name, const std::string& type = "_ssh._tcp") {
-    return {.name = name, .type = type, .domain = "local."};
+ProbedService service(const std::string& name, const std::string& type = "_ssh._tcp", int interface = 1) {
+    return {.name = name, .type = type, .interfaceIndex = interface};
 }
 
 /// A network whose devices answer after 50 ms, or not at all, which the daemon tells after 5 s.
 class ServiceProberTest : public ::testing::Test {
 protected:
-    void ask(const ServiceInstance& instance, std::function<void(Answer)> answered) {
+    ServiceProberTest() {
+        m_prober.setImportant([](const ProbedService&) { return true; });
+    }
+
+    void ask(const ProbedService& instance, std::function<void(Answer)> answered) {
         EXPECT_TRUE(m_underWay.insert(instance).second) << "asked twice at once";
         m_mostUnderWay = std::max(m_mostUnderWay, m_underWay.size());
         m_asked.push_back(instance.name);
@@ -58,7 +62,7 @@ protected:
     bool m_isAllSilent = false;
     Answer m_answer = Answer::there;
     std::chrono::milliseconds m_timeout = 5s;
-    std::set<ServiceInstance> m_underWay;
+    std::set<ProbedService> m_underWay;
     std::size_t m_mostUnderWay = 0;
     std::vector<std::string> m_asked;
     std::vector<std::string> m_changes;
@@ -68,8 +72,8 @@ protected:
     ServiceProber m_prober{
         m_scheduler,
         ProberSettings{},
-        [this](const ServiceInstance& instance, auto answered) { ask(instance, std::move(answered)); },
-        {.changed = [this](const ServiceInstance& instance) { m_changes.push_back(instance.name); },
+        [this](const ProbedService& instance, auto answered) { ask(instance, std::move(answered)); },
+        {.changed = [this](const ProbedService& instance) { m_changes.push_back(instance.name); },
          .settled = [this] { ++m_settled; },
          .doubtChanged = [this] { m_doubts += m_prober.isInDoubt() ? 1 : 0; }}};
 };
@@ -147,7 +151,7 @@ TEST_F(ServiceProberTest, whatTheDaemonRemembersIsThereAfterItsFirstAnswer) {
 }
 
 TEST_F(ServiceProberTest, atMostSixteenAreAskedAtOnceTheImportantOnesFirst) {
-    m_prober.setImportant([](const ServiceInstance& instance) { return instance.name == "wanted"; });
+    m_prober.setImportant([](const ProbedService& instance) { return instance.name == "wanted"; });
     m_isAllSilent = true;
     for (int i = 0; i < 100; ++i)
         m_prober.add(service("device " + std::to_string(i)), Source::remembered);

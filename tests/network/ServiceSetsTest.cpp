@@ -36,28 +36,39 @@ protected:
     FakeScheduler m_scheduler;
     AvahiSettings m_settings;
     std::map<int, std::optional<std::string>> m_interfaces{{1, "eth0"}, {2, "wlan0"}, {3, std::nullopt}};
-    std::set<std::string> m_dead;
+    std::set<std::string> m_dead; ///< "name@index"
+    std::set<std::string> m_kept; ///< interfaces
+    std::set<std::string> m_unseen;
+    std::vector<std::string> m_outOfSight;
+    bool m_mayTell = true;
     bool m_isUnsettled = false;
     std::map<std::string, std::vector<ServiceInstance>> m_told;
     int m_tellings = 0;
-    ServiceSets m_sets{m_scheduler,
-                       m_settings,
-                       {.isThere =
-                            [this](const ServiceInstance& instance) {
-                                return std::optional(!m_dead.contains(instance.name));
-                            },
-                        .interfaceName = [this](int index) -> std::optional<std::optional<std::string>> {
-                            const auto found = m_interfaces.find(index);
-                            if (found == m_interfaces.end())
-                                return std::nullopt;
-                            return std::make_optional(found->second);
-                        },
-                        .isUnsettled = [this] { return m_isUnsettled; },
-                        .tell =
-                            [this](const std::string& type, const std::vector<ServiceInstance>& instances) {
-                                m_told[type] = instances;
-                                ++m_tellings;
-                            }}};
+    ServiceSets m_sets{
+        m_scheduler,
+        m_settings,
+        {.isThere = [this](const auto&, const std::string& name,
+                           int index) { return !m_dead.contains(name + '@' + std::to_string(index)); },
+         .interfaceName = [this](int index) -> std::optional<std::optional<std::string>> {
+             const auto found = m_interfaces.find(index);
+             if (found == m_interfaces.end())
+                 return std::nullopt;
+             return std::make_optional(found->second);
+         },
+         .isUnsettled = [this] { return m_isUnsettled; },
+         .mayTell = [this] { return m_mayTell; },
+         .keeps = [this](const std::string& name) { return m_kept.contains(name); },
+         .judges = [this](const std::string& name) { return !m_unseen.contains(name); },
+         .tell =
+             [this](const std::string& type, const std::vector<ServiceInstance>& instances) {
+                 m_told[type] = instances;
+                 ++m_tellings;
+             },
+         .outOfSight =
+             [this](const std::vector<ServiceInstance>& instances) {
+                 for (const auto& instance : instances)
+                     m_outOfSight.push_back(instance.name);
+             }}};
 };
 
 TEST_F(ServiceSetsTest, whatIsThereIsToldSoonAndThatNothingIsOnlyAfterTheSearch) {
@@ -87,8 +98,8 @@ TEST_F(ServiceSetsTest, anInstanceStaysWhileOneProtocolOfAnInterfaceHasIt) {
     m_scheduler.advance(1s);
     EXPECT_EQ(m_tellings, 1);
 
-    EXPECT_FALSE(m_sets.remove(ssh, "fox", {1, 1}));
-    EXPECT_FALSE(m_sets.remove(ssh, "fox", {3, 0}));
+    EXPECT_TRUE(m_sets.remove(ssh, "fox", {1, 1}));
+    EXPECT_TRUE(m_sets.remove(ssh, "fox", {3, 0}));
     EXPECT_TRUE(m_sets.remove(ssh, "fox", {2, 0}));
     m_scheduler.advance(1s);
     EXPECT_THAT(told(), IsEmpty());
@@ -135,7 +146,7 @@ TEST_F(ServiceSetsTest, whatWasToldIsHeldForAWhileAfterANewBeginning) {
     EXPECT_THAT(told(), ElementsAre("dead@eth0", "fox@eth0", "goodbye@eth0", "newcomer@eth0", "owl@eth0"));
 
     EXPECT_TRUE(m_sets.remove(ssh, "goodbye", {1, 0}));
-    m_dead = {"dead"};
+    m_dead = {"dead@1"};
     m_sets.touch(ssh);
     m_scheduler.advance(1s);
     EXPECT_THAT(told(), ElementsAre("fox@eth0", "newcomer@eth0", "owl@eth0"));
