@@ -3,9 +3,11 @@
 #include "ui/common/Card.h"
 
 #include "ui/common/TextLabel.h"
+#include "ui/text/ShownText.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace nightjar {
@@ -53,24 +55,22 @@ QHBoxLayout* makeRowLayout(QWidget* row) {
 } // namespace
 
 MetricRow::MetricRow(const QString& label, const QString& value, QWidget* parent)
-    : QWidget(parent), m_label(label), m_value(new TextLabel(value)) {
+    : QWidget(parent), m_label(label), m_value(value), m_text(new TextLabel(breakable(value))) {
     auto* layout = makeRowLayout(this);
     layout->addWidget(new TextLabel(label, TextSize::body, Tint::secondary), 0, Qt::AlignTop);
-    m_value->setAlignment(Qt::AlignRight | Qt::AlignTop);
-    m_value->setWordWrap(true);
-    m_value->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    layout->addWidget(m_value, 1);
-    setValue(value);
-}
-
-void MetricRow::setValue(const QString& value) {
-    if (m_value->text() != value)
-        m_value->setText(value);
+    m_text->setAlignment(Qt::AlignRight | Qt::AlignTop);
+    m_text->setWordWrap(true);
+    m_text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    layout->addWidget(m_text, 1);
     setAccessibleName(m_label + QStringLiteral(": ") + value);
 }
 
-QString MetricRow::value() const {
-    return m_value->text();
+void MetricRow::setValue(const QString& value) {
+    if (value == m_value)
+        return;
+    m_value = value;
+    m_text->setText(breakable(value));
+    setAccessibleName(m_label + QStringLiteral(": ") + value);
 }
 
 Card::Card(const QString& title, QWidget* parent)
@@ -109,6 +109,12 @@ QWidget* Card::addControl(const QString& label, QWidget* control) {
     layout->addWidget(control);
     addRow(row);
     return row;
+}
+
+void Card::addButton(QPushButton* button) {
+    auto* row = new QWidget;
+    makeRowLayout(row)->addWidget(button);
+    addRow(row);
 }
 
 TextLabel* Card::addNote(const QString& text) {

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QWidget>
 
+class QPushButton;
 class QVBoxLayout;
 
 namespace nightjar {
@@ -17,12 +18,13 @@ class MetricRow final : public QWidget {
 public:
     explicit MetricRow(const QString& label, const QString& value = {}, QWidget* parent = nullptr);
     void setValue(const QString& value);
-    [[nodiscard]] QString value() const;
+    [[nodiscard]] const QString& value() const { return m_value; }
     [[nodiscard]] const QString& label() const { return m_label; }
 
 private:
     QString m_label;
-    TextLabel* m_value;
+    QString m_value;
+    TextLabel* m_text;
 };
 
 /// A titled group of rows on a rounded ground, with lines between them.
@@ -36,6 +38,8 @@ public:
     MetricRow* addMetric(const QString& label, const QString& value = {});
     /// A label with a control at its end. Returns the row.
     QWidget* addControl(const QString& label, QWidget* control);
+    /// As wide as the card.
+    void addButton(QPushButton* button);
     /// Small text that belongs to the row above it.
     TextLabel* addNote(const QString& text);
 

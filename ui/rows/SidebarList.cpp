@@ -50,6 +50,12 @@ void SidebarList::showSelection() {
         selectionModel()->clear();
 }
 
+void SidebarList::dataChanged(const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) {
+    // The height of a row does not depend on what it shows: nothing has to be laid out anew, as a list view
+    // would.
+    QAbstractItemView::dataChanged(first, last, roles); // NOLINT(bugprone-parent-virtual-call)
+}
+
 void SidebarList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     QListView::currentChanged(current, previous);
     if (m_isUpdating || !current.isValid())

@@ -33,6 +33,7 @@ Q_SIGNALS:
     void menuRequested(const std::string& id, QPoint globalPosition);
 
 protected:
+    void dataChanged(const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 

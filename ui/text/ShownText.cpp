@@ -59,6 +59,23 @@ QString shownText(std::string_view utf8) {
     return shown(utf8, mostOfAText, LineBreaks::kept);
 }
 
+QString breakable(const QString& text) {
+    constexpr int longestWhole = 18;
+    constexpr QChar mayBreakHere(0x200b);
+    QString broken;
+    broken.reserve(text.size() + text.size() / longestWhole);
+    int length = 0;
+    for (const QChar character : text) {
+        if (length >= longestWhole && !character.isLowSurrogate() && !character.isMark()) {
+            broken.append(mayBreakHere);
+            length = 0;
+        }
+        length = character.isSpace() ? 0 : length + 1;
+        broken.append(character);
+    }
+    return broken;
+}
+
 QString plainToolTip(const QString& text) {
     return text.isEmpty() ? QString() : QStringLiteral("<span>%1</span>").arg(text.toHtmlEscaped());
 }

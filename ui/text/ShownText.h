@@ -15,6 +15,8 @@ namespace nightjar {
 [[nodiscard]] QString shownLine(std::string_view utf8);
 /// The same with its line breaks; at most 20,000 characters.
 [[nodiscard]] QString shownText(std::string_view utf8);
+/// The same words, but those that are too long for a column may be broken over lines.
+[[nodiscard]] QString breakable(const QString& text);
 /// A tool tip that Qt never takes for rich text.
 [[nodiscard]] QString plainToolTip(const QString& text);
 
