@@ -14,6 +14,7 @@
 #include <QScrollBar>
 #include <QSlider>
 #include <QStyleOption>
+#include <QTabBar>
 
 #include <algorithm>
 
@@ -101,7 +102,7 @@ NightjarStyle::NightjarStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
 
 void NightjarStyle::polish(QWidget* widget) {
     if (qobject_cast<QAbstractButton*>(widget) || qobject_cast<QComboBox*>(widget) ||
-        qobject_cast<QScrollBar*>(widget) || qobject_cast<QSlider*>(widget))
+        qobject_cast<QScrollBar*>(widget) || qobject_cast<QSlider*>(widget) || qobject_cast<QTabBar*>(widget))
         widget->setAttribute(Qt::WA_Hover);
     QProxyStyle::polish(widget);
 }
@@ -113,6 +114,11 @@ int NightjarStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, c
     case PM_ScrollView_ScrollBarSpacing:
     case PM_ButtonShiftHorizontal:
     case PM_ButtonShiftVertical:
+    case PM_TabBarTabOverlap:
+    case PM_TabBarTabShiftHorizontal:
+    case PM_TabBarTabShiftVertical:
+    case PM_TabBarBaseHeight:
+    case PM_TabBarBaseOverlap:
         return 0;
     case PM_MenuPanelWidth:
     case PM_MenuVMargin:
@@ -148,6 +154,8 @@ int NightjarStyle::styleHint(StyleHint hint, const QStyleOption* option, const Q
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:
         return 0;
+    case SH_TabBar_Alignment:
+        return Qt::AlignCenter;
     case SH_Slider_AbsoluteSetButtons:
         return Qt::LeftButton;
     case SH_Menu_Mask: // round without a compositor too
@@ -177,6 +185,9 @@ QSize NightjarStyle::sizeFromContents(ContentsType type, const QStyleOption* opt
         return {usual.width(), std::max(30, usual.height())};
     case CT_SpinBox:
         return {size.width() + 46, std::max(28, size.height() + 8)};
+    case CT_TabBarTab:
+        return tabSize(option->fontMetrics.size(Qt::TextShowMnemonic,
+                                                qstyleoption_cast<const QStyleOptionTab*>(option)->text));
     case CT_MenuItem: {
         const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
         if (item && item->menuItemType == QStyleOptionMenuItem::Separator)
@@ -216,8 +227,10 @@ void NightjarStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* 
                                   const QWidget* widget) const {
     const auto& colors = Colors::of(option->palette);
     switch (element) {
-    case PE_FrameFocusRect:
-        return; // each control paints its own ring
+    case PE_FrameFocusRect: // each control paints its own ring
+    case PE_FrameTabBarBase:
+    case PE_FrameTabWidget:
+        return;
     case PE_PanelLineEdit:
     case PE_FrameLineEdit:
         if (isPartOf(widget, "QComboBox") || isPartOf(widget, "QAbstractSpinBox"))
@@ -274,6 +287,12 @@ void NightjarStyle::drawControl(ControlElement element, const QStyleOption* opti
         return;
     }
     case CE_MenuEmptyArea:
+        return;
+    case CE_TabBarTabShape:
+        drawTabShape(option, painter);
+        return;
+    case CE_TabBarTabLabel:
+        drawTabLabel(option, painter);
         return;
     case CE_MenuItem:
         drawMenuItem(option, painter, widget);

@@ -37,6 +37,9 @@ private:
     void drawScrollBar(const QStyleOptionComplex* option, QPainter* painter, const QWidget* widget) const;
     void drawSlider(const QStyleOptionComplex* option, QPainter* painter, const QWidget* widget) const;
     void drawSpinBox(const QStyleOptionComplex* option, QPainter* painter, const QWidget* widget) const;
+    void drawTabShape(const QStyleOption* option, QPainter* painter) const;
+    void drawTabLabel(const QStyleOption* option, QPainter* painter) const;
+    [[nodiscard]] QSize tabSize(const QSize& title) const;
     [[nodiscard]] QRect scrollBarPart(const QStyleOptionComplex* option, SubControl part) const;
 };
 
