@@ -37,6 +37,8 @@ public:
 Q_SIGNALS:
     /// A view wishes the settings window, which opens on the model's `selectedSettingsTab`.
     void settingsRequested();
+    /// A map wishes street pictures from a server, which the user has not agreed to yet.
+    void streetMapRequested();
     /// Relative times on screen are to be computed afresh. Only while a window can be seen.
     void timePassed();
 
