@@ -81,9 +81,9 @@ void MapCamera::pan(QPointF points) {
 void MapCamera::zoomAt(QPointF anchor, double steps, Motion motion) {
     if (!std::isfinite(steps))
         return;
-    const bool isZooming = m_animation.state() == QAbstractAnimation::Running && m_anchor;
-    const double target = std::clamp((isZooming ? m_to.zoom : m_place.zoom) + steps, minimumZoom(),
-                                     std::max(maximumZoom, minimumZoom()));
+    const bool isZooming = isGliding() && m_anchor;
+    const double target =
+        std::clamp((isZooming ? m_to.zoom : m_place.zoom) + steps, minimumZoom(), maximumZoom);
     m_animation.stop();
     m_shown.reset();
     if (motion == Motion::jump)
@@ -131,9 +131,10 @@ MapCamera::Place MapCamera::placeOf(const MapRegion& region) const {
 }
 
 MapCamera::Place MapCamera::inBounds(Place place) const {
-    place.zoom = std::clamp(place.zoom, minimumZoom(), std::max(maximumZoom, minimumZoom()));
+    place.zoom = std::clamp(place.zoom, minimumZoom(), maximumZoom);
     const double half = m_view.height() / (tile * std::exp2(place.zoom)) / 2;
-    place.center = {wrapped(place.center.x()), half < 0.5 ? std::clamp(place.center.y(), half, 1 - half) : 0.5};
+    place.center = {wrapped(place.center.x()),
+                    half < 0.5 ? std::clamp(place.center.y(), half, 1 - half) : 0.5};
     return place;
 }
 
@@ -166,7 +167,8 @@ void MapCamera::glide(double progress) {
     // The centre follows the scale, not the time: so the way looks straight while it zooms.
     double way = progress;
     if (std::abs(m_to.zoom - m_from.zoom) > 0.01)
-        way = (std::exp2(-zoom) - std::exp2(-m_from.zoom)) / (std::exp2(-m_to.zoom) - std::exp2(-m_from.zoom));
+        way =
+            (std::exp2(-zoom) - std::exp2(-m_from.zoom)) / (std::exp2(-m_to.zoom) - std::exp2(-m_from.zoom));
     const QPointF distance(eastward(m_from.center.x(), m_to.center.x()), m_to.center.y() - m_from.center.y());
     set({m_from.center + distance * way, zoom});
 }

@@ -13,8 +13,8 @@
 namespace nightjar {
 
 /// Where a map looks: a centre on the Mercator square and a zoom as a real number, the whole world being
-/// 256 x 2^zoom points wide. The view never leaves the world to the north or south and is never wider than it.
-/// GUI thread; no timer runs unless it moves.
+/// 256 x 2^zoom points wide. The view never leaves the world to the north or south and is never wider than
+/// it. GUI thread; no timer runs unless it moves.
 class MapCamera : public QObject {
     Q_OBJECT
 
@@ -32,6 +32,7 @@ public:
     [[nodiscard]] double zoom() const { return m_place.zoom; }
     [[nodiscard]] double worldSize() const; ///< points
     [[nodiscard]] MapRegion region() const;
+    [[nodiscard]] bool isGliding() const { return m_animation.state() == QAbstractAnimation::Running; }
 
     /// The region in full, with what else the shape of the view adds.
     void show(const MapRegion& region, Motion motion);

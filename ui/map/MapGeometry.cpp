@@ -3,8 +3,8 @@
 #include "ui/map/MapGeometry.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <iterator>
 #include <numbers>
 
 namespace nightjar {
@@ -14,28 +14,6 @@ namespace {
 constexpr double spreadFactor = 1.45;
 constexpr double degree = std::numbers::pi / 180;
 constexpr double equator = 40'075'016.686; ///< metres
-
-struct Arc {
-    double west = 0;
-    double east = 0; ///< at least west; beyond 180 when it crosses the date line
-};
-
-Arc shortestArc(std::vector<double> longitudes) {
-    std::ranges::sort(longitudes);
-    const Arc plain{longitudes.front(), longitudes.back()};
-    if (plain.east - plain.west <= 180)
-        return plain;
-
-    double widestGap = 360 - (plain.east - plain.west);
-    Arc arc = plain;
-    for (std::size_t i = 1; i < longitudes.size(); ++i) {
-        if (const double gap = longitudes[i] - longitudes[i - 1]; gap > widestGap) {
-            widestGap = gap;
-            arc = {longitudes[i], longitudes[i - 1] + 360};
-        }
-    }
-    return arc;
-}
 
 enum class Side { left, right, top, bottom };
 
@@ -68,25 +46,17 @@ bool isOnEarth(const MapCoordinate& coordinate) {
 }
 
 MapRegion regionFitting(const std::vector<MapCoordinate>& positions, double minimumSpan) {
-    double south = 90;
-    double north = -90;
-    std::vector<double> longitudes;
-    for (const MapCoordinate& position : positions) {
-        if (!isOnEarth(position))
-            continue;
-        south = std::min(south, position.latitude);
-        north = std::max(north, position.latitude);
-        longitudes.push_back(position.longitude);
-    }
-    if (longitudes.empty())
+    std::vector<MapCoordinate> real;
+    std::ranges::copy_if(positions, std::back_inserter(real), isOnEarth);
+    if (real.empty())
         return {{0, 0}, 170, 360};
 
-    const auto [west, east] = shortestArc(std::move(longitudes));
-    const double longitude = (west + east) / 2;
+    const auto [south, north] = std::ranges::minmax(real, {}, &MapCoordinate::latitude);
+    const auto [west, east] = std::ranges::minmax(real, {}, &MapCoordinate::longitude);
     const double minimum = std::isfinite(minimumSpan) ? minimumSpan : 0;
-    return {{(south + north) / 2, longitude > 180 ? longitude - 360 : longitude},
-            std::max((north - south) * spreadFactor, minimum),
-            std::max((east - west) * spreadFactor, minimum)};
+    return {{(south.latitude + north.latitude) / 2, (west.longitude + east.longitude) / 2},
+            std::max((north.latitude - south.latitude) * spreadFactor, minimum),
+            std::max((east.longitude - west.longitude) * spreadFactor, minimum)};
 }
 
 namespace mercator {

@@ -30,8 +30,7 @@ struct MapRegion {
 [[nodiscard]] bool isOnEarth(const MapCoordinate& coordinate);
 
 /// Around all positions: centred between the extremes, each span 1.45 times the spread or the minimum span,
-/// whichever is larger. Positions on both sides of the date line count as neighbours when that is the shorter
-/// way round. Without any position it is the whole world.
+/// whichever is larger. Without any position it is the whole world.
 [[nodiscard]] MapRegion regionFitting(const std::vector<MapCoordinate>& positions, double minimumSpan);
 
 /// Web Mercator on the unit square: x grows to the east, y to the south, the origin is in the north-west.
