@@ -131,7 +131,7 @@ QString power(const MeshNode& node) {
 QString signal(const MeshNode& node) {
     if (!node.signalToNoise || !std::isfinite(*node.signalToNoise))
         return notReported();
-    return QStringLiteral("%1 dB").arg(static_cast<double>(*node.signalToNoise), 0, 'f', 1);
+    return QString::asprintf("%.1f dB", static_cast<double>(*node.signalToNoise));
 }
 
 QString degrees(double value) {
