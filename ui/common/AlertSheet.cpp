@@ -5,6 +5,7 @@
 #include "ui/common/Buttons.h"
 #include "ui/common/SymbolView.h"
 #include "ui/common/TextLabel.h"
+#include "ui/text/ShownText.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
@@ -14,10 +15,9 @@
 namespace nightjar {
 
 AlertSheet::AlertSheet(const QString& title, const QString& text, const QStringList& buttons, QWidget* parent)
-    : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint), m_text(new TextLabel(text)) {
+    : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint), m_label(new TextLabel({})) {
     setWindowTitle(title);
     setAccessibleName(title);
-    setAccessibleDescription(text);
     setAttribute(Qt::WA_DeleteOnClose);
 
     auto* layout = new QVBoxLayout(this);
@@ -29,9 +29,9 @@ AlertSheet::AlertSheet(const QString& title, const QString& text, const QStringL
     heading->addWidget(new SymbolView(QStringLiteral("exclamationmark.triangle.fill"), 22, Tint::orange));
     heading->addWidget(new TextLabel(title, TextSize::title), 1);
     layout->addLayout(heading);
-    m_text->setWordWrap(true);
-    m_text->setFixedWidth(320);
-    layout->addWidget(m_text);
+    m_label->setWordWrap(true);
+    m_label->setFixedWidth(320);
+    layout->addWidget(m_label);
     layout->addSpacing(6);
 
     auto* foot = new QHBoxLayout;
@@ -49,10 +49,18 @@ AlertSheet::AlertSheet(const QString& title, const QString& text, const QStringL
         m_buttons << button;
     }
     layout->addLayout(foot);
+    setText(text);
 }
 
-QString AlertSheet::text() const {
-    return m_text->text();
+void AlertSheet::setText(const QString& text) {
+    m_text = text;
+    m_label->setText(breakable(text));
+    m_label->setAccessibleName(text);
+    setAccessibleDescription(text);
+    if (isVisible()) {
+        layout()->activate();
+        moveOverWindow();
+    }
 }
 
 void AlertSheet::paintEvent(QPaintEvent*) {
@@ -72,6 +80,10 @@ void AlertSheet::resizeEvent(QResizeEvent*) {
 }
 
 void AlertSheet::showEvent(QShowEvent*) {
+    moveOverWindow();
+}
+
+void AlertSheet::moveOverWindow() {
     const QRect window = parentWidget()->window()->geometry();
     move(window.center().x() - width() / 2, window.top() + window.height() * 2 / 5 - height() / 2);
 }

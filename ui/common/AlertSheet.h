@@ -18,7 +18,8 @@ public:
     /// With one button it only dismisses; with two the first one accepts.
     AlertSheet(const QString& title, const QString& text, const QStringList& buttons, QWidget* parent);
     [[nodiscard]] QPushButton* button(int place) const { return m_buttons[place]; }
-    [[nodiscard]] QString text() const;
+    [[nodiscard]] const QString& text() const { return m_text; }
+    void setText(const QString& text);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -26,7 +27,9 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
-    TextLabel* m_text;
+    void moveOverWindow();
+    QString m_text;
+    TextLabel* m_label;
     QList<QPushButton*> m_buttons;
 };
 

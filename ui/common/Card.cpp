@@ -74,7 +74,7 @@ void MetricRow::setValue(const QString& value) {
 }
 
 Card::Card(const QString& title, QWidget* parent)
-    : QWidget(parent), m_body(new Ground(this)), m_rows(new QVBoxLayout(m_body)) {
+    : QWidget(parent), m_body(new Ground), m_rows(new QVBoxLayout(m_body)) {
     setAccessibleName(title);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -86,7 +86,7 @@ Card::Card(const QString& title, QWidget* parent)
     }
     m_rows->setContentsMargins(0, 3, 0, 3);
     m_rows->setSpacing(0);
-    layout->addWidget(m_body);
+    layout->addWidget(m_body); // after its title for those who listen, too
 }
 
 void Card::addRow(QWidget* row) {

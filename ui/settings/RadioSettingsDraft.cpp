@@ -35,18 +35,18 @@ QString summary(const MeshtasticRadioSettings& current, const MeshtasticRadioSet
     const auto choice = [](bool isOn, const char* on, const char* off) {
         return QString::fromUtf8(isOn ? on : off);
     };
-    add(current.region != draft.region, "Region: ",
-        step(shortTitle(current.region), shortTitle(draft.region)));
-    add(current.modemPreset != draft.modemPreset, "Preset: ",
-        step(titleOf(current.modemPreset), titleOf(draft.modemPreset)));
+    add(current.region != draft.region,
+        "Region: ", step(shortTitle(current.region), shortTitle(draft.region)));
+    add(current.modemPreset != draft.modemPreset,
+        "Preset: ", step(titleOf(current.modemPreset), titleOf(draft.modemPreset)));
     add(current.hopLimit != draft.hopLimit, "Hops: ", step(current.hopLimit, draft.hopLimit));
-    add(current.channelNum != draft.channelNum, "Frequency slot: ",
-        step(current.channelNum, draft.channelNum));
+    add(current.channelNum != draft.channelNum,
+        "Frequency slot: ", step(current.channelNum, draft.channelNum));
     add(current.txEnabled != draft.txEnabled, "Transmit: ", choice(draft.txEnabled, "enabled", "disabled"));
-    add(current.txPower != draft.txPower, "Power: ",
-        step(current.txPower, draft.txPower) + QStringLiteral(" dBm (0 is regional default)"));
-    add(current.rxBoostedGain != draft.rxBoostedGain, "RX boosted gain: ",
-        choice(draft.rxBoostedGain, "on", "off"));
+    add(current.txPower != draft.txPower,
+        "Power: ", step(current.txPower, draft.txPower) + QStringLiteral(" dBm (0 is regional default)"));
+    add(current.rxBoostedGain != draft.rxBoostedGain,
+        "RX boosted gain: ", choice(draft.rxBoostedGain, "on", "off"));
     return lines.isEmpty() ? QStringLiteral("No settings will change.") : lines.join(u'\n');
 }
 

@@ -14,7 +14,8 @@ namespace nightjar {
 struct RadioSettingsDraft {
     std::optional<MeshtasticRadioSettings> values; ///< absent until a radio has told its settings
 
-    /// The radio told its settings: what was not applied is given up. A radio that tells none changes nothing.
+    /// The radio told its settings: what was not applied is given up. A radio that tells none changes
+    /// nothing.
     void follow(const std::optional<MeshtasticRadioSettings>& current);
     void applyRecommended();
     [[nodiscard]] bool hasChanges(const std::optional<MeshtasticRadioSettings>& current) const;

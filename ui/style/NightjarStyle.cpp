@@ -183,8 +183,8 @@ QSize NightjarStyle::sizeFromContents(ContentsType type, const QStyleOption* opt
         return {size.width() + 44, std::max(28, size.height() + 10)};
     case CT_LineEdit:
         return {usual.width(), std::max(30, usual.height())};
-    case CT_SpinBox:
-        return {size.width() + 46, std::max(28, size.height() + 8)};
+    case CT_SpinBox: // as high as the line in it
+        return {size.width() + 46, std::max(30, size.height())};
     case CT_TabBarTab:
         return tabSize(option->fontMetrics.size(Qt::TextShowMnemonic,
                                                 qstyleoption_cast<const QStyleOptionTab*>(option)->text));
