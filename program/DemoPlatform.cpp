@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "program/DemoPlatform.h"
 
+#include "platform/linux/LinuxHostEnvironment.h"
 #include "program/DemoBluetooth.h"
 #include "program/DemoNetwork.h"
 
@@ -19,6 +20,8 @@ constexpr std::chrono::milliseconds radioStart{600};
 
 DemoPlatform::DemoPlatform(DemoProfile profile)
     : m_profile(std::move(profile)),
+      m_appearance(m_sessionBus,
+                   LinuxHostEnvironment().environmentVariable(PortalAppearance::overrideVariable)),
       m_bluetoothWorld(m_bluetooth, m_scheduler, demoPeripherals(), worldSeed),
       m_networkWorld(m_network, m_scheduler, demoHosts()) {
     m_preferences.setString("serialPort", m_profile.port());

@@ -3,8 +3,10 @@
 #pragma once
 
 #include "platform/PlatformServices.h"
+#include "platform/linux/BusConnector.h"
 #include "platform/linux/IcuTextServices.h"
 #include "platform/linux/JsonFilePreferences.h"
+#include "platform/linux/PortalAppearance.h"
 #include "platform/linux/QtMainThread.h"
 #include "platform/linux/QtScheduler.h"
 #include "platform/simulated/BluetoothWorld.h"
@@ -20,14 +22,15 @@
 namespace nightjar {
 
 /// The demo's computer with the real event loop: settings live in memory, notifications go nowhere, and
-/// Bluetooth
-/// devices and the network are made up.
+/// Bluetooth devices and the network are made up.
 class DemoPlatform {
 public:
     /// The base radio of the profile is the one that was used last, so it is connected at the start.
     explicit DemoPlatform(DemoProfile profile);
 
     [[nodiscard]] PlatformServices services();
+    /// The one thing taken from the real desktop: its colours.
+    [[nodiscard]] DesktopAppearance& appearance() { return m_appearance; }
     /// Sets the world in motion. To be called once the controllers are there.
     void begin();
 
@@ -42,6 +45,8 @@ private:
     QtMainThread m_mainThread;
     QtScheduler m_scheduler;
     JsonFilePreferences m_preferences{std::nullopt, m_scheduler};
+    BusConnector m_sessionBus{m_mainThread, m_scheduler, BusConnector::openSessionBus};
+    PortalAppearance m_appearance;
     Silence m_notifications;
     IcuTextServices m_text{std::string()};
     FakeBluetoothCentral m_bluetooth;

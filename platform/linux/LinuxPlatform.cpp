@@ -29,6 +29,7 @@ LinuxPlatform::LinuxPlatform()
       m_systemBus(m_mainThread, m_scheduler, BusConnector::openSystemBus),
       m_sessionBus(m_mainThread, m_scheduler, BusConnector::openSessionBus),
       m_notifications(m_sessionBus, withSound(m_alertSound)),
+      m_appearance(m_sessionBus, m_host.environmentVariable(PortalAppearance::overrideVariable)),
       m_text(IcuTextServices::systemLocale(m_host)),
       m_bluetooth(m_systemBus, m_scheduler),
       m_location(m_systemBus, m_scheduler, NotificationSettings().desktopEntry),

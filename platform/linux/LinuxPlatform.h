@@ -14,6 +14,7 @@
 #include "platform/linux/LinuxHostEnvironment.h"
 #include "platform/linux/LinuxMessageTransport.h"
 #include "platform/linux/LogindWakeMonitor.h"
+#include "platform/linux/PortalAppearance.h"
 #include "platform/linux/QtMainThread.h"
 #include "platform/linux/QtScheduler.h"
 #include "platform/linux/SessionNotificationCenter.h"
@@ -27,6 +28,8 @@ public:
     LinuxPlatform();
 
     [[nodiscard]] PlatformServices services();
+    /// For whoever shows windows.
+    [[nodiscard]] DesktopAppearance& appearance() { return m_appearance; }
     /// A sentence for the user when the settings were damaged or could not be saved.
     [[nodiscard]] std::optional<std::string> problem() const { return m_preferences.problem(); }
 
@@ -40,6 +43,7 @@ private:
     BusConnector m_systemBus;
     BusConnector m_sessionBus;
     SessionNotificationCenter m_notifications;
+    PortalAppearance m_appearance;
     IcuTextServices m_text;
     BluezCentral m_bluetooth;
     GeoclueLocationSource m_location;
