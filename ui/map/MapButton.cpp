@@ -61,7 +61,7 @@ void MapButton::paintEvent(QPaintEvent*) {
         Symbols::paint(painter, QRectF(QRectF(rect()).center() - QPointF(8, 8), QSizeF(16, 16)), m_symbol,
                        isEnabled() ? colors.text : colors.tertiary);
     }
-    if (hasFocus()) {
+    if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange)) {
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(withAlpha(colors.accent, 170), 2));
         painter.drawRoundedRect(QRectF(rect()).adjusted(2, 2, -2, -2), radius - 2, radius - 2);

@@ -112,8 +112,8 @@ void MapView::setCircle(std::optional<MapCircle> circle) {
 }
 
 void MapView::setTrail(const std::vector<MapCoordinate>& trail) {
-    m_trail.set(trail);
-    forgetBackdrop();
+    if (m_trail.set(trail))
+        forgetBackdrop();
 }
 
 void MapView::fitPositions(const std::vector<MapCoordinate>& positions, double minimumSpan, bool animated) {

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace nightjar {
 
@@ -55,12 +56,12 @@ void MapView::paintBackdrop() {
     QPainter painter(&m_backdrop);
     paintTiles(painter);
     painter.setRenderHint(QPainter::Antialiasing);
-    paintTrail(painter);
     if (m_circle) {
         const double radius =
             m_circle->metres * mercator::unitsPerMetre(m_circle->center.latitude) * m_camera.worldSize();
         MapFurniture::paintCircle(painter, rect(), positionOf(m_circle->center), radius, Colors::of(this));
     }
+    paintTrail(painter);
 }
 
 std::vector<MapView::ShownTile> MapView::tilesOfView(bool isDetail, const TileLook& look, bool& isComplete) {
@@ -125,12 +126,12 @@ void MapView::paintTrail(QPainter& painter) {
         for (QPointF& point : piece)
             point = (point - northWest) * size;
 
-    const QColor around = colors.isDark ? withAlpha(colors.content, 150) : withAlpha(colors.panel, 205);
-    for (const QPen& pen : {QPen(around, 6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin),
-                            QPen(colors.orange, 3.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin)}) {
-        painter.setPen(pen);
+    // Lines one by one: a stroke that crosses itself often would take ten times as long.
+    for (const auto& [color, width] : {std::pair(colors.content, 6.0), std::pair(colors.orange, 3.2)}) {
+        painter.setPen(QPen(color, width, Qt::SolidLine, Qt::SquareCap));
         for (const QPolygonF& piece : pieces)
-            painter.drawPolyline(piece);
+            for (qsizetype i = 1; i < piece.size(); ++i)
+                painter.drawLine(piece[i - 1], piece[i]);
     }
 }
 

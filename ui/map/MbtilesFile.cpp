@@ -19,7 +19,7 @@ namespace {
 constexpr int deepestZoom = 22;
 constexpr int longestAttribution = 100;
 constexpr int instructionsBetweenChecks = 10'000;
-constexpr std::chrono::seconds queryTime{2};
+constexpr std::chrono::seconds queryTime{1};
 
 /// Usually a piece of HTML, from whoever made the file.
 QString plainText(const QByteArray& html) {

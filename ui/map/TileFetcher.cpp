@@ -87,7 +87,10 @@ void TileFetcher::fetch(const TileKey& key, const QUrl& url, bool isDark) {
     }
     if (!m_network)
         start();
+    request(key, url, isDark, 0);
+}
 
+void TileFetcher::request(const TileKey& key, const QUrl& url, bool isDark, int redirects) {
     QNetworkRequest request(url);
     request.setHeader(QNetworkRequest::UserAgentHeader, m_settings.userAgent);
     request.setRawHeader("Accept", "image/png,image/webp,image/jpeg");
@@ -95,20 +98,21 @@ void TileFetcher::fetch(const TileKey& key, const QUrl& url, bool isDark) {
     request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-                         QNetworkRequest::UserVerifiedRedirectPolicy);
-    request.setMaximumRedirectsAllowed(mostRedirects);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
 
     QNetworkReply* reply = m_network->get(request);
     reply->setReadBufferSize(TilePicture::maximumBytes + 1);
     QTimer::singleShot(m_settings.timeout, reply, &QNetworkReply::abort);
-    connect(reply, &QNetworkReply::redirected, this, [this, reply](const QUrl& to) { follow(reply, to); });
     connect(reply, &QNetworkReply::readyRead, reply, [reply] {
         if (reply->bytesAvailable() > TilePicture::maximumBytes)
             reply->abort();
     });
-    connect(reply, &QNetworkReply::finished, this, [this, reply, key, isDark] {
+    connect(reply, &QNetworkReply::finished, this, [this, reply, key, isDark, redirects] {
         reply->deleteLater();
+        const QUrl location = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
+        const QUrl target = reply->url().resolved(location);
+        if (!location.isEmpty() && redirects < mostRedirects && mayFollow(reply->url(), target))
+            return this->request(key, target, isDark, redirects + 1);
         QImage picture;
         const TileAnswer answer = judge(reply, picture);
         if (isDark && answer == TileAnswer::picture)
@@ -118,13 +122,9 @@ void TileFetcher::fetch(const TileKey& key, const QUrl& url, bool isDark) {
 }
 
 /// The same kind of road, and never from outside to a service of this computer.
-void TileFetcher::follow(QNetworkReply* reply, const QUrl& target) const {
-    const QUrl from = reply->url();
-    if (m_isAllowed->load() && isSafe(target) && target.scheme() == from.scheme() &&
-        (isLoopback(from) || !isLoopback(target)))
-        Q_EMIT reply->redirectAllowed();
-    else
-        reply->abort();
+bool TileFetcher::mayFollow(const QUrl& from, const QUrl& target) const {
+    return m_isAllowed->load() && isSafe(target) && target.scheme() == from.scheme() &&
+           (isLoopback(from) || !isLoopback(target));
 }
 
 TileAnswer TileFetcher::judge(QNetworkReply* reply, QImage& picture) const {

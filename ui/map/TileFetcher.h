@@ -54,7 +54,8 @@ Q_SIGNALS:
 
 private:
     void start();
-    void follow(QNetworkReply* reply, const QUrl& target) const;
+    void request(const TileKey& key, const QUrl& url, bool isDark, int redirects);
+    [[nodiscard]] bool mayFollow(const QUrl& from, const QUrl& target) const;
     [[nodiscard]] TileAnswer judge(QNetworkReply* reply, QImage& picture) const;
 
     TileFetcherSettings m_settings;

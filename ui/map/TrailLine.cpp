@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 namespace nightjar {
@@ -57,11 +58,14 @@ QPolygonF thinned(const QPolygonF& line, double share) {
 
 } // namespace
 
-void TrailLine::set(const std::vector<MapCoordinate>& coordinates) {
+bool TrailLine::set(const std::vector<MapCoordinate>& coordinates) {
+    std::vector<MapCoordinate> real;
+    std::ranges::copy_if(coordinates, std::back_inserter(real), isOnEarth);
+    if (real == m_coordinates)
+        return false;
+    m_coordinates = std::move(real);
     m_points.clear();
-    for (const MapCoordinate& coordinate : coordinates) {
-        if (!isOnEarth(coordinate))
-            continue;
+    for (const MapCoordinate& coordinate : m_coordinates) {
         QPointF point = mercator::project(coordinate);
         if (!m_points.isEmpty())
             point.rx() -= std::round(point.x() - m_points.last().x());
@@ -69,6 +73,7 @@ void TrailLine::set(const std::vector<MapCoordinate>& coordinates) {
     }
     m_extent = m_points.boundingRect();
     m_level = -1;
+    return true;
 }
 
 void TrailLine::simplify(int level) {

@@ -13,7 +13,8 @@ class TrailLine {
 public:
     static constexpr qsizetype mostDrawn = 3'000; ///< points in all pieces together
 
-    void set(const std::vector<MapCoordinate>& coordinates);
+    /// False when it is the same way as before.
+    bool set(const std::vector<MapCoordinate>& coordinates);
     [[nodiscard]] bool isEmpty() const { return m_points.size() < 2; }
     /// The pieces that touch a part of the Mercator square; the part may reach over the date line.
     [[nodiscard]] std::vector<QPolygonF> pieces(const QRectF& part, double worldSize);
@@ -21,6 +22,7 @@ public:
 private:
     void simplify(int level);
 
+    std::vector<MapCoordinate> m_coordinates;
     QPolygonF m_points; ///< on the Mercator square, running on across the date line
     QRectF m_extent;
     QPolygonF m_simple;
