@@ -29,6 +29,16 @@ constexpr Range decibels{0, 30};
 
 /// Zero is no power but the leave to choose one.
 class PowerBox final : public QSpinBox {
+public:
+    /// Qt's own gives long texts no room.
+    [[nodiscard]] QSize sizeHint() const override {
+        const int added = QSpinBox::sizeHint().width() -
+                          fontMetrics().horizontalAdvance(textFromValue(minimum()).left(18) + u' ');
+        return {fontMetrics().horizontalAdvance(textFromValue(decibels.high)) + added,
+                QSpinBox::sizeHint().height()};
+    }
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
 protected:
     [[nodiscard]] QString textFromValue(int value) const override {
         return value == 0 ? QStringLiteral("Regional default")

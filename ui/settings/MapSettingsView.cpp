@@ -10,6 +10,7 @@
 #include "ui/settings/SettingsPage.h"
 #include "ui/text/ShownText.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -66,6 +67,9 @@ void MapSettingsView::chooseFile() {
     m_dialog = new QFileDialog(this, QStringLiteral("Choose a map file"));
     m_dialog->setAttribute(Qt::WA_DeleteOnClose);
     m_dialog->setFileMode(QFileDialog::ExistingFile);
+    m_dialog->setOption(QFileDialog::ReadOnly); // nothing is renamed or deleted on the way
+    const auto file = MapSource::localFile(m_preferences);
+    m_dialog->setDirectory(file ? QFileInfo(*file).absolutePath() : QDir::homePath());
     m_dialog->setNameFilters({QStringLiteral("Map files (*.mbtiles)"), QStringLiteral("All files (*)")});
     connect(m_dialog, &QFileDialog::fileSelected, this, [this](const QString& path) { useFile(path); });
     m_dialog->open();
