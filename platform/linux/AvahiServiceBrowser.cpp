@@ -137,6 +137,7 @@ void AvahiServiceBrowser::cancel() {
     m_isPatienceOver = false;
     m_publishing.cancel();
     m_told.reset();
+    m_hasToldTrouble = false;
 }
 
 void AvahiServiceBrowser::setImportant(std::function<bool(const ServiceInstance&)> isImportant) {
@@ -209,10 +210,10 @@ void AvahiServiceBrowser::publish() {
     m_publishing.cancel();
     if (m_browsers.all().empty())
         return;
-    auto state = trueState();
-    const auto before = m_told;
-    if (before != state) {
+    const auto state = trueState();
+    if (m_told != state) {
         m_told = state;
+        m_hasToldTrouble = m_hasToldTrouble || state.kind == Kind::waiting || state.kind == Kind::failed;
         const auto listener = m_listener;
         if (listener->onState)
             listener->onState(state);
@@ -220,7 +221,7 @@ void AvahiServiceBrowser::publish() {
     if (m_told != state || state.kind != Kind::ready)
         return;
     // Who was told of trouble has to hear that what is known holds again.
-    if (before && before->kind != Kind::ready && before->kind != Kind::settingUp)
+    if (std::exchange(m_hasToldTrouble, false))
         m_sets.tellAgain();
     else
         m_sets.resume();

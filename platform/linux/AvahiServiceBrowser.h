@@ -63,6 +63,7 @@ private:
     const AvahiSettings m_settings;
     std::shared_ptr<const Listener> m_listener = std::make_shared<const Listener>();
     std::optional<ServiceBrowserState> m_told;
+    bool m_hasToldTrouble = false;                                ///< since the sets were last told
     std::map<int, std::optional<InterfaceName>> m_interfaceNames; ///< by index; absent while asked for
     bool m_isPatienceOver = false;                                ///< with a bus that does not even open
     Timer m_patience;

@@ -11,10 +11,17 @@ namespace nightjar {
 struct ProberSettings {
     using Milliseconds = std::chrono::milliseconds;
 
-    /// An important service that is there is asked again after this long, a tenth more or less ...
-    Milliseconds period{60'000};
-    /// ... and any other after this long: a household has few that matter and many that cost.
+    /// An important service that is there is asked again after this long or up to three tenths more. What an
+    /// answer says lives for 120 s in the daemon's memory: sooner, that would answer instead of the device.
+    Milliseconds period{122'000};
+    /// At most so long after an answer out of memory, which others on the network may have refreshed; every
+    /// other time only, since the question itself refreshes it too.
+    Milliseconds memoryPause{65'000};
+    /// For one that is not important, a tenth more or less: a household has few that matter and many that
+    /// cost.
     Milliseconds usualPeriod{240'000};
+    /// One that was asked longer ago than this has to answer by itself.
+    Milliseconds memory{121'000};
     /// After a time-out or an error. Sooner, the daemon would send no question.
     Milliseconds suspectPause{10'000};
     /// While it is gone: with the 5 s that a question takes, a return is noticed within 30 s ...
@@ -22,9 +29,10 @@ struct ProberSettings {
     /// ... and within two minutes when it is not important.
     Milliseconds usualGonePause{115'000};
     /// So many time-outs in a row mean that it is gone.
-    int timeoutsUntilGone = 3;
+    int timeoutsUntilGone = 4;
     std::size_t mostInFlight = 16;
-    /// When one falls silent and nobody has been heard since, so many others are asked at once.
+    /// When one falls silent and nobody has been heard since, so many others are asked at once: those that
+    /// cannot be answered for.
     std::size_t witnesses = 3;
     /// The daemon waits 5 s for an answer. A time-out that comes sooner is not one: its clock was moved, or
     /// the computer slept.

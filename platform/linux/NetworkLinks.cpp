@@ -20,7 +20,7 @@ namespace {
 
 /// The value of the first attribute of this type; empty when there is none.
 std::span<const std::byte> attribute(const rtattr* first, std::size_t length, unsigned short type) {
-    auto left = static_cast<unsigned>(length);
+    auto left = static_cast<int>(length);
     for (const rtattr* item = first; RTA_OK(item, left); item = RTA_NEXT(item, left))
         if (item->rta_type == type)
             return {static_cast<const std::byte*>(RTA_DATA(item)), RTA_PAYLOAD(item)};
@@ -118,7 +118,8 @@ void NetworkLinks::readNow() {
 }
 
 void NetworkLinks::read(std::span<const std::byte> packet) {
-    auto left = static_cast<unsigned>(packet.size());
+    // Signed: the last message may end before its padding would.
+    auto left = static_cast<int>(packet.size());
     const auto* message = reinterpret_cast<const nlmsghdr*>(packet.data());
     for (; NLMSG_OK(message, left); message = NLMSG_NEXT(message, left))
         apply(*message);

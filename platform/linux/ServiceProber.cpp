@@ -3,6 +3,7 @@
 #include "platform/linux/ServiceProber.h"
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
 namespace nightjar {
@@ -20,7 +21,7 @@ void ServiceProber::add(const ProbedService& service, Source source) {
         heardSomebody(service.interfaceIndex);
     if (!isNew) {
         if (source == Source::heard)
-            foundThere(*item);
+            foundThere(*item, about(periodOf(item->second)));
         return;
     }
     Entry& entry = item->second;
@@ -175,7 +176,7 @@ void ServiceProber::answered(const ProbedService& key, std::uint64_t number, Ans
         if (answer == Answer::thereFromMemory && item->second.timeouts > 0)
             heardSomebody(key.interfaceIndex);
         if (answer == Answer::there || answer == Answer::thereFromMemory)
-            foundThere(*item);
+            foundThere(*item, untilNext(item->second, answer));
         else if (!m_lines[key.interfaceIndex].isUsable)
             schedule(*item, periodOf(item->second));
         else if (answer == Answer::timeout && isEvidence(*item))
@@ -187,14 +188,45 @@ void ServiceProber::answered(const ProbedService& key, std::uint64_t number, Ans
     armTimer();
 }
 
-void ServiceProber::foundThere(Item& item) {
+std::chrono::milliseconds ServiceProber::untilNext(Entry& entry, Answer answer) {
+    entry.memories = answer == Answer::thereFromMemory ? entry.memories + 1 : 0;
+    if (!entry.isImportant)
+        return about(m_settings.usualPeriod);
+    if (entry.memories % 2 == 0)
+        return apartFromOthers();
+    const auto longest = m_settings.memoryPause.count();
+    return std::chrono::milliseconds(
+        std::uniform_int_distribution<std::int64_t>(longest / 3, longest)(m_random));
+}
+
+/// Questions that are spread over the period tell of life all the time: a silence of one is then no doubt.
+std::chrono::milliseconds ServiceProber::apartFromOthers() const {
+    constexpr int choices = 12;
+    const auto now = m_scheduler.steadyNow();
+    auto best = m_settings.period;
+    SteadyTime::duration widest{-1};
+    for (int i = 0; i < choices; ++i) {
+        const auto delay = m_settings.period + m_settings.period * 3 * i / (10 * choices);
+        const auto next = m_important.lower_bound({now + delay, nullptr});
+        auto gap = next == m_important.end() ? SteadyTime::duration::max() : next->first - (now + delay);
+        if (next != m_important.begin())
+            gap = std::min(gap, now + delay - std::prev(next)->first);
+        if (gap > widest) {
+            widest = gap;
+            best = delay;
+        }
+    }
+    return best;
+}
+
+void ServiceProber::foundThere(Item& item, std::chrono::milliseconds nextQuestion) {
     Entry& entry = item.second;
     entry.timeouts = 0;
     const bool wasThere = entry.isProven && !entry.isGone;
     entry.isProven = true;
     entry.isGone = false;
     if (!entry.isInFlight)
-        schedule(item, about(periodOf(entry)));
+        schedule(item, nextQuestion);
     if (!wasThere)
         m_handlers.changed(item.first);
     settle(entry);

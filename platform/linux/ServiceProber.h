@@ -30,7 +30,7 @@ struct ProbedService {
 /// loses its power says no goodbye, and what it announced stays in everybody's memory for more than an hour.
 /// Each interface is looked at by itself. Main thread.
 ///
-/// Only time-outs are evidence, and only three in a row. When one device seems to have fallen silent while
+/// Only time-outs are evidence, and only four in a row. When one device seems to have fallen silent while
 /// nobody else on that interface has answered, though there should be others, it is rather our own link: this
 /// is doubt. Nothing there is taken for gone then until somebody answers, after which one more time-out
 /// decides, or until the doubt has lasted for two minutes: a broken router did take the devices from the
@@ -77,6 +77,7 @@ private:
         SteadyTime asked{};
         SteadyTime firstTimeout{}; ///< when the question was asked that began the row
         int timeouts = 0;          ///< in a row
+        int memories = 0;          ///< answers out of memory, in a row
         bool isImportant = false;
         bool isInFlight = false;
         bool isUnsettled = false; ///< waits for the end of its first question
@@ -107,7 +108,9 @@ private:
     void armTimer();
     void ask(Item& item);
     void answered(const ProbedService& key, std::uint64_t number, Answer answer);
-    void foundThere(Item& item);
+    void foundThere(Item& item, std::chrono::milliseconds nextQuestion);
+    [[nodiscard]] std::chrono::milliseconds untilNext(Entry& entry, Answer answer);
+    [[nodiscard]] std::chrono::milliseconds apartFromOthers() const;
     void timedOut(Item& item);
     void settle(Entry& entry);
 

@@ -59,19 +59,21 @@ bool ServiceProber::hasHeardSince(int interfaceIndex, SteadyTime time) {
     return line.lastLife && *line.lastLife >= time;
 }
 
-/// Those that were asked the longest ago: the daemon answers for the others out of its memory.
+/// Not those for which the daemon would answer out of its memory.
 void ServiceProber::callWitnesses(const Item& silent) {
     if (hasHeardSince(silent.first.interfaceIndex, silent.second.asked))
         return;
+    const auto now = m_scheduler.steadyNow();
     std::vector<Item*> witnesses;
     for (auto& item : m_entries)
-        if (isWitness(item, silent) && !item.second.isInFlight && item.second.timeouts == 0)
+        if (isWitness(item, silent) && !item.second.isInFlight && item.second.timeouts == 0 &&
+            now - item.second.asked > m_settings.memory)
             witnesses.push_back(&item);
     const auto count = std::min(m_settings.witnesses, witnesses.size());
     const auto end = witnesses.begin() + static_cast<std::ptrdiff_t>(count);
     std::ranges::partial_sort(witnesses, end, {}, [](const Item* item) { return item->second.asked; });
     for (auto witness = witnesses.begin(); witness != end; ++witness)
-        bringForward(**witness, m_scheduler.steadyNow());
+        bringForward(**witness, now);
 }
 
 /// Whether nobody has been heard since this one was first asked in vain, though there should be others.

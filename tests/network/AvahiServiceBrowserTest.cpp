@@ -2,9 +2,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/network/BrowserRig.h"
 #include "tests/network/FakeAvahi.h"
+#include "tests/network/FakeKernel.h"
 #include "tests/platform/PrivateBus.h"
 
 #include <gmock/gmock.h>
+
+#include <QFileInfo>
+#include <QTemporaryDir>
 
 #include <optional>
 
@@ -25,11 +29,15 @@ AvahiSettings hurried() {
     settings.answerTimeout = 500ms;
     settings.coalescing = 20ms;
     settings.holding = 300ms;
+    settings.linkPatience = 300ms;
+    settings.startPause = 100ms;
     settings.refusedPause = 100ms;
     settings.pingPeriod = 100ms;
     settings.pingTimeout = 500ms;
     settings.pingPause = 50ms;
     settings.prober.period = settings.prober.usualPeriod = 200ms;
+    settings.prober.memoryPause = 100ms;
+    settings.prober.memory = 0ms;
     settings.prober.suspectPause = 20ms;
     settings.prober.gonePause = settings.prober.usualGonePause = 50ms;
     settings.prober.shortestTimeout = 0ms;
@@ -57,7 +65,8 @@ protected:
 
     PrivateBus m_bus;
     std::optional<FakeAvahi> m_daemon;
-    BrowserRig m_rig{[this] { return m_bus.connect(); }, hurried()};
+    FakeKernel m_kernel; ///< says nothing of its own accord
+    BrowserRig m_rig{[this] { return m_bus.connect(); }, hurried(), [this] { return m_kernel.openSocket(); }};
 };
 
 TEST_F(AvahiServiceBrowserTest, tellsCompleteSetsPerTypeAndNothingOfThisComputer) {
@@ -116,6 +125,18 @@ TEST_F(AvahiServiceBrowserTest, aDaemonThatComesLaterIsFound) {
     EXPECT_FALSE(m_rig.states.back().description.empty());
     startDaemon();
 
+    EXPECT_TRUE(isBrowsed());
+}
+
+TEST_F(AvahiServiceBrowserTest, theBusIsAskedAgainForADaemonThatDoesNotStart) {
+    QTemporaryDir folder;
+    const auto attempts = folder.filePath(QStringLiteral("attempts"));
+    m_bus.makeActivatable(avahi::service, QStringLiteral("/bin/sh -c \"echo >> %1; exit 1\"").arg(attempts));
+    m_rig.browser().browse(ssh);
+
+    EXPECT_TRUE(runEventsUntil([&] { return QFileInfo(attempts).size() >= 3; }));
+    EXPECT_EQ(m_rig.states.back().kind, Kind::waiting);
+    startDaemon();
     EXPECT_TRUE(isBrowsed());
 }
 
@@ -186,7 +207,10 @@ TEST_F(AvahiServiceBrowserTest, aDaemonThatDiesAndComesBackMakesNobodyLeave) {
     m_daemon.reset();
     ASSERT_TRUE(m_rig.becomes(Kind::waiting));
     startDaemon();
+    const int tellings = m_rig.tellings;
     ASSERT_TRUE(isBrowsed());
+    EXPECT_TRUE(runEventsUntil([&] { return m_rig.tellings > tellings; })) << "the old set holds again";
+    EXPECT_EQ(m_rig.sets[ssh].size(), 2u);
     m_daemon->announce(ssh, "owl");
     m_daemon->finish(ssh);
     EXPECT_TRUE(m_rig.tells(ssh, {"owl@net1"}));
@@ -239,6 +263,41 @@ TEST_F(AvahiServiceBrowserTest, theDeadAreTakenOutAndComeBack) {
     ASSERT_TRUE(m_rig.becomes(Kind::waiting));
     ASSERT_TRUE(m_rig.tells(ssh, {}));
     EXPECT_TRUE(m_rig.becomes(Kind::ready));
+}
+
+TEST_F(AvahiServiceBrowserTest, whatOurOwnInterfacesTakeAlongHasNotLeft) {
+    for (const int index : {1, 2}) {
+        m_kernel.setLink(index, "net" + std::to_string(index), true);
+        m_kernel.addAddress(index, index == 1 ? "10.0.1.7" : "10.0.2.7");
+    }
+    m_kernel.finish();
+    startDaemon();
+    ASSERT_TRUE(browse());
+    m_daemon->announce(ssh, "fox", 4, 1);
+    m_daemon->announce(ssh, "fox", 4, 2);
+    m_daemon->announce(ssh, "owl", 4, 2);
+    m_daemon->finish(ssh);
+    const std::vector<std::string> all{"fox@net1", "fox@net2", "owl@net2"};
+    ASSERT_TRUE(m_rig.tells(ssh, all));
+
+    m_kernel.setLink(2, "net2", false);
+    m_daemon->withdraw(ssh, "fox", 2);
+    m_daemon->withdraw(ssh, "owl", 2);
+    ASSERT_TRUE(m_rig.tells(ssh, {"fox@net1"}));
+    EXPECT_THAT(m_rig.outOfSight, ElementsAre("fox", "owl"));
+    EXPECT_TRUE(m_rig.becomes(Kind::ready));
+
+    m_rig.smallest.clear();
+    m_kernel.setLink(1, "net1", false);
+    m_daemon->withdraw(ssh, "fox", 1);
+    ASSERT_TRUE(m_rig.becomes(Kind::waiting));
+    const int tellings = m_rig.tellings;
+    m_kernel.setLink(1, "net1", true);
+    ASSERT_TRUE(m_rig.becomes(Kind::ready));
+    ASSERT_TRUE(runEventsUntil([&] { return m_rig.tellings > tellings; }));
+    EXPECT_EQ(m_rig.told(ssh), std::vector<std::string>{"fox@net1"});
+    EXPECT_TRUE(m_rig.tells(ssh, {})) << "it has not come back with the link";
+    EXPECT_EQ(m_rig.outOfSight.size(), 2u);
 }
 
 TEST_F(AvahiServiceBrowserTest, cancelFreesTheBrowsersAndTellsNothingMore) {

@@ -88,6 +88,7 @@ public:
           const QList<Service>& services = {});
 
     [[nodiscard]] Program& program() { return *m_program; }
+    [[nodiscard]] const Program& program() const { return *m_program; }
 
 private:
     QTemporaryDir m_folder;

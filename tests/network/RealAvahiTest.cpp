@@ -25,10 +25,13 @@ const std::string ssh = "_ssh._tcp";
 AvahiSettings hurried() {
     AvahiSettings settings;
     settings.holding = 3s;
+    settings.linkPatience = 2s;
     settings.pingPeriod = 500ms;
     settings.pingTimeout = 1s;
     settings.pingPause = 500ms;
     settings.prober.period = settings.prober.usualPeriod = 1500ms;
+    settings.prober.memoryPause = 800ms;
+    settings.prober.memory = 1100ms;
     settings.prober.suspectPause = 1s;
     settings.prober.gonePause = settings.prober.usualGonePause = 1s;
     return settings;
@@ -66,7 +69,8 @@ protected:
     }
 
     PrivateBus m_bus;
-    BrowserRig m_rig{[this] { return m_bus.connect(); }, hurried()};
+    BrowserRig m_rig{[this] { return m_bus.connect(); }, hurried(),
+                     [this] { return m_us->openLinkSocket(); }};
     std::optional<bed::Computer> m_us;
     std::optional<bed::Computer> m_device;
     std::optional<bed::Computer> m_other;
@@ -139,6 +143,26 @@ TEST_F(RealAvahiTest, aDeviceIsToldOnEachOfTwoNetworks) {
                QStringLiteral("down")});
     EXPECT_TRUE(m_rig.tells(ssh, {"fox@eth0"}));
     EXPECT_EQ(m_rig.smallest[ssh], 1u);
+    EXPECT_THAT(m_rig.outOfSight, SizeIs(1));
+}
+
+TEST_F(RealDeviceTest, withoutACableOfOurOwnNobodyLeaves) {
+    m_rig.smallest.clear();
+    for (const bool isPulled : {true, false}) {
+        if (isPulled)
+            m_switch->pull(1);
+        else
+            m_us->run({QStringLiteral("ip"), QStringLiteral("link"), QStringLiteral("set"),
+                       QStringLiteral("eth0"), QStringLiteral("down")});
+        ASSERT_TRUE(m_rig.becomes(Kind::waiting));
+        EXPECT_FALSE(runEventsUntil([&] { return m_rig.sets[ssh].size() < 2; }, 10s));
+        m_switch->plugIn(1);
+        m_us->run({QStringLiteral("ip"), QStringLiteral("link"), QStringLiteral("set"),
+                   QStringLiteral("eth0"), QStringLiteral("up")});
+        ASSERT_TRUE(m_rig.becomes(Kind::ready));
+    }
+    EXPECT_FALSE(runEventsUntil([&] { return m_rig.sets[ssh].size() < 2; }, 8s));
+    EXPECT_EQ(m_rig.smallest[ssh], 2u);
 }
 
 TEST_F(RealAvahiTest, aDaemonThatIsKilledOrFrozenMakesNobodyLeave) {

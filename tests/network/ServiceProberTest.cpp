@@ -35,7 +35,17 @@ protected:
         EXPECT_TRUE(m_underWay.insert(instance).second) << "asked twice at once";
         m_mostUnderWay = std::max(m_mostUnderWay, m_underWay.size());
         m_asked.push_back(instance.name);
-        const bool isSilent = m_isAllSilent || m_silent.contains(instance.name);
+        const bool isSilent =
+            m_isAllSilent || m_silent.contains(instance.name) ||
+            m_silent.contains(instance.name + '@' + std::to_string(instance.interfaceIndex));
+        const auto remembered = m_remembered.find(instance.name);
+        if (remembered != m_remembered.end() && m_scheduler.steadyNow() < remembered->second) {
+            m_timers.push_back(m_scheduler.after(1ms, [this, instance, answered] {
+                m_underWay.erase(instance);
+                answered(Answer::thereFromMemory);
+            }));
+            return;
+        }
         const auto answer = isSilent ? Answer::timeout : m_answer;
         m_timers.push_back(m_scheduler.after(isSilent ? m_timeout : 50ms, [this, instance, answer, answered] {
             m_underWay.erase(instance);
@@ -58,7 +68,8 @@ protected:
     }
 
     FakeScheduler m_scheduler;
-    std::set<std::string> m_silent;
+    std::set<std::string> m_silent;                 ///< "name", or "name@index"
+    std::map<std::string, SteadyTime> m_remembered; ///< until when, by name
     bool m_isAllSilent = false;
     Answer m_answer = Answer::there;
     std::chrono::milliseconds m_timeout = 5s;
@@ -78,13 +89,13 @@ protected:
          .doubtChanged = [this] { m_doubts += m_prober.isInDoubt() ? 1 : 0; }}};
 };
 
-TEST_F(ServiceProberTest, deviceWithoutPowerIsGoneWithinThreeMinutesAndBackWithinThirtySeconds) {
+TEST_F(ServiceProberTest, deviceWithoutPowerIsGoneWithinFiveMinutesAndBackWithinThirtySeconds) {
     addHeard({"printer", "lamp", "shelf"});
     m_scheduler.advance(10min);
     EXPECT_THAT(m_changes, IsEmpty());
 
     m_silent = {"printer"};
-    EXPECT_LE(timeUntilChange("printer"), 180s);
+    EXPECT_LE(timeUntilChange("printer"), 270s);
     EXPECT_TRUE(isThere("lamp"));
     m_scheduler.advance(1h);
     EXPECT_THAT(m_changes, ElementsAre("printer"));
@@ -94,12 +105,28 @@ TEST_F(ServiceProberTest, deviceWithoutPowerIsGoneWithinThreeMinutesAndBackWithi
     EXPECT_THAT(m_changes, ElementsAre("printer", "printer"));
 }
 
-TEST_F(ServiceProberTest, twoTimeoutsAndAnAnswerAreNoLoss) {
+/// Among devices that are remembered themselves some doubt comes on top.
+TEST_F(ServiceProberTest, theMemoryOfTheDaemonHidesADeathForSixMinutesAtMost) {
+    addHeard({"printer", "lamp", "shelf"});
+    auto longest = 0s;
+    for (int round = 0; round < 50; ++round) {
+        m_scheduler.advance(20min + 17s * round);
+        m_silent = {"printer"};
+        // Somebody else has just asked for it.
+        m_remembered = {{"printer", m_scheduler.steadyNow() + 120s}};
+        longest = std::max(longest, timeUntilChange("printer"));
+        m_silent.clear();
+        EXPECT_LE(timeUntilChange("printer"), 30s);
+    }
+    EXPECT_LE(longest, 6min);
+}
+
+TEST_F(ServiceProberTest, threeTimeoutsAndAnAnswerAreNoLoss) {
     addHeard({"printer", "lamp"});
     m_scheduler.advance(2min);
     for (int round = 0; round < 50; ++round) {
         m_silent = {"printer"};
-        while (std::ranges::count(m_asked, "printer") < 2)
+        while (std::ranges::count(m_asked, "printer") < 3)
             m_scheduler.advance(100ms);
         m_asked.clear();
         m_silent.clear();
@@ -208,6 +235,79 @@ TEST_F(ServiceProberTest, theOnlyDeviceIsNotDoubted) {
     EXPECT_EQ(m_doubts, 0);
 }
 
+TEST_F(ServiceProberTest, eachInterfaceIsLookedAtByItself) {
+    for (const int interface : {1, 2})
+        for (const auto* name : {"printer", "lamp", "shelf"})
+            m_prober.add(service(name, "_ssh._tcp", interface), Source::heard);
+    m_scheduler.advance(10min);
+    m_silent = {"printer@2"};
+    m_scheduler.advance(270s);
+    EXPECT_FALSE(m_prober.isThere(service("printer", "_ssh._tcp", 2)).value());
+    EXPECT_TRUE(isThere("printer"));
+
+    m_silent = {"printer@1", "lamp@1", "shelf@1"};
+    m_doubts = 0;
+    m_scheduler.advance(5min);
+    EXPECT_GE(m_doubts, 1) << "what is heard on one interface says nothing of the other";
+    EXPECT_TRUE(m_prober.isThere(service("lamp", "_ssh._tcp", 2)).value());
+}
+
+TEST_F(ServiceProberTest, oneThatBecomesImportantIsAskedSoonAndOftenerThanTheOthers) {
+    m_prober.setImportant({});
+    addHeard({"printer", "lamp"});
+    m_scheduler.advance(10min);
+    m_asked.clear();
+    m_scheduler.advance(1h);
+    EXPECT_LE(std::ranges::count(m_asked, "printer"), 17);
+
+    m_silent = {"printer"};
+    m_prober.setImportant([](const ProbedService& asked) { return asked.name == "printer"; });
+    EXPECT_LE(timeUntilChange("printer"), 90s);
+    m_silent.clear();
+    EXPECT_LE(timeUntilChange("printer"), 30s);
+}
+
+TEST_F(ServiceProberTest, aDeviceThatDiesAmongOthersIsNotDoubtedForLong) {
+    addHeard({"printer", "lamp", "shelf"});
+    m_prober.add(service("printer", "_ipp._tcp"), Source::heard);
+    m_scheduler.advance(30min);
+    for (int round = 0; round < 20; ++round) {
+        m_silent.clear();
+        m_scheduler.advance(15min + 7s * round);
+        m_silent = {"printer"};
+        EXPECT_LE(timeUntilChange("printer"), 270s) << "with two to bear witness";
+    }
+
+    m_prober.setImportant([](const ProbedService& asked) { return asked.name == "printer"; });
+    for (int i = 0; i < 20; ++i)
+        addHeard({"other " + std::to_string(i)});
+    m_doubts = 0;
+    m_silent.clear();
+    m_scheduler.advance(15min);
+    m_silent = {"printer"};
+    EXPECT_LE(timeUntilChange("printer"), 210s) << "those that matter less bear witness";
+    EXPECT_EQ(m_doubts, 0);
+}
+
+TEST_F(ServiceProberTest, silenceWithoutALinkOfOurOwnSaysNothing) {
+    addHeard({"printer", "lamp"});
+    m_scheduler.advance(10min);
+    m_isAllSilent = true;
+    while (!m_prober.isInDoubt())
+        m_scheduler.advance(1s);
+    m_prober.setUsable(1, false);
+    EXPECT_FALSE(m_prober.isInDoubt());
+    m_scheduler.advance(1h);
+    m_prober.setUsable(1, true);
+    m_scheduler.advance(25s);
+    m_isAllSilent = false;
+    m_scheduler.advance(10min);
+    EXPECT_THAT(m_changes, IsEmpty());
+
+    m_silent = {"lamp"};
+    EXPECT_LE(timeUntilChange("lamp"), 3min);
+}
+
 TEST_F(ServiceProberTest, timeoutsAroundASleepAreNoEvidence) {
     addHeard({"printer", "lamp"});
     m_scheduler.advance(10min);
@@ -246,9 +346,9 @@ TEST_F(ServiceProberTest, answersForWhatWasRemovedMeanwhileDoNotCount) {
 TEST_F(ServiceProberTest, manyDevicesAreAllAskedInEachPeriod) {
     for (int i = 0; i < 5'000; ++i)
         m_prober.add(service("device " + std::to_string(i)), Source::heard);
-    m_scheduler.advance(70s);
+    m_scheduler.advance(160s);
     m_asked.clear();
-    m_scheduler.advance(67s);
+    m_scheduler.advance(160s);
 
     EXPECT_EQ(std::set(m_asked.begin(), m_asked.end()).size(), 5'000u);
     EXPECT_THAT(m_changes, IsEmpty());

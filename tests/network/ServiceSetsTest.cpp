@@ -156,6 +156,42 @@ TEST_F(ServiceSetsTest, whatWasToldIsHeldForAWhileAfterANewBeginning) {
     EXPECT_THAT(told(), ElementsAre("newcomer@eth0", "owl@eth0"));
 }
 
+TEST_F(ServiceSetsTest, whatAnInterfaceTakesAlongIsKeptAndThenOutOfSight) {
+    for (const auto* name : {"fox", "owl"})
+        m_sets.add(ssh, name, {2, 0});
+    m_sets.add(ssh, "fox", {1, 0});
+    completeNow();
+    m_kept = {"wlan0"};
+    m_sets.remove(ssh, "fox", {2, 0});
+    m_sets.remove(ssh, "owl", {2, 0});
+    m_sets.remove(ssh, "fox", {1, 0});
+    m_scheduler.advance(1s);
+    EXPECT_THAT(told(), ElementsAre("fox@wlan0", "owl@wlan0"));
+    EXPECT_THAT(m_outOfSight, IsEmpty()) << "it left eth0 by itself";
+
+    m_kept.clear();
+    m_unseen = {"wlan0"};
+    m_sets.tellNow();
+    EXPECT_THAT(told(), IsEmpty());
+    EXPECT_THAT(m_outOfSight, ElementsAre("fox", "owl"));
+}
+
+TEST_F(ServiceSetsTest, whatMayNotBeToldIsToldLater) {
+    completeNow();
+    m_mayTell = false;
+    m_sets.add(ssh, "fox", {1, 0});
+    m_scheduler.advance(1h);
+    EXPECT_THAT(told(), IsEmpty());
+
+    m_mayTell = true;
+    m_sets.resume();
+    m_scheduler.advance(0ms);
+    EXPECT_THAT(told(), ElementsAre("fox@eth0"));
+    m_sets.tellAgain();
+    m_scheduler.advance(0ms);
+    EXPECT_EQ(m_tellings, 3);
+}
+
 /// Whatever comes and goes in whatever order, what is told in the end is what a plain model holds.
 TEST_F(ServiceSetsTest, randomComingAndGoingEndsInTheTrueSet) {
     std::mt19937 random(7);
