@@ -67,6 +67,7 @@ MeshMap::MeshMap(ViewContext& context, MovementTrail& trail, QWidget* parent)
         openNodeMenu(m_context, MeshRows::numberOf(id.toStdString()), this, at,
                      [this] { Q_EMIT messageRequested(); });
     });
+    connect(m_map, &MapView::streetMapRequested, &context, &ViewContext::streetMapRequested);
     using M = NightjarModel;
     for (const auto signal :
          {&M::nodesChanged, &M::historyChanged, &M::selectedNodeIDChanged, &M::localNodeIDChanged,

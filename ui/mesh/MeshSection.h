@@ -6,8 +6,6 @@
 #include "ui/common/ViewContext.h"
 #include "ui/mesh/MovementTrail.h"
 
-#include <QPointer>
-
 class QStackedWidget;
 
 namespace nightjar {
@@ -45,11 +43,11 @@ private:
     void writeMessage();
 
     MovementTrail m_trail;
-    QPointer<MeshSidebar> m_sidebar;
-    QPointer<QStackedWidget> m_content;
-    QPointer<MeshMap> m_map;
-    QPointer<MessagesView> m_messages;
-    QPointer<MeshInspector> m_inspector;
+    MeshSidebar* m_sidebar;
+    QStackedWidget* m_content;
+    MeshMap* m_map;
+    MessagesView* m_messages;
+    MeshInspector* m_inspector;
 };
 
 } // namespace nightjar
