@@ -31,6 +31,12 @@ struct PlatformServices {
     WakeMonitor& wake;
     MessageTransport& messages;
     ServiceBrowser& services;
+
+    /// The same computer with other notifications.
+    [[nodiscard]] PlatformServices with(NotificationCenter& other) const {
+        return {host,      mainThread, scheduler, preferences, other,    text,
+                bluetooth, location,   sound,     wake,        messages, services};
+    }
 };
 
 } // namespace nightjar

@@ -24,28 +24,13 @@ namespace {
 /// How long a reader that takes nothing holds up the end of the program.
 constexpr std::chrono::milliseconds patience{2000};
 
-PlatformServices with(NotificationCenter& notifications, const PlatformServices& platform) {
-    return {.host = platform.host,
-            .mainThread = platform.mainThread,
-            .scheduler = platform.scheduler,
-            .preferences = platform.preferences,
-            .notifications = notifications,
-            .text = platform.text,
-            .bluetooth = platform.bluetooth,
-            .location = platform.location,
-            .sound = platform.sound,
-            .wake = platform.wake,
-            .messages = platform.messages,
-            .services = platform.services};
-}
-
 } // namespace
 
 HeadlessProgram::HeadlessProgram(const headless::CommandLine& commandLine, const PlatformServices& platform,
                                  Desktop desktop)
     : m_commandLine(commandLine),
       m_notifications(desktop == Desktop::used ? &platform.notifications : nullptr),
-      m_platform(with(m_notifications, platform)),
+      m_platform(platform.with(m_notifications)),
       m_model(m_platform, std::make_unique<MeshRadio>(platform.host, platform.mainThread, m_clock)),
       m_output(STDOUT_FILENO) {
     connect(&m_output, &headless::LineOutput::lost, this, &HeadlessProgram::outputLost);
