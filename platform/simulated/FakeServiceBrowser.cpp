@@ -20,6 +20,12 @@ void FakeServiceBrowser::vanish(const ServiceInstance& instance) {
         tellResults(instance.type);
 }
 
+void FakeServiceBrowser::loseSight(const ServiceInstance& instance) {
+    vanish(instance);
+    if (m_listener.onOutOfSight)
+        m_listener.onOutOfSight({instance});
+}
+
 void FakeServiceBrowser::setInstances(const std::string& type, std::set<ServiceInstance> instances) {
     m_instances[type] = std::move(instances);
     tellResults(type);

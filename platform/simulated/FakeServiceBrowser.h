@@ -22,6 +22,8 @@ public:
 
     void announce(const ServiceInstance& instance);
     void vanish(const ServiceInstance& instance);
+    /// It goes because an interface of this computer does.
+    void loseSight(const ServiceInstance& instance);
     /// Replaces all instances of a type at once.
     void setInstances(const std::string& type, std::set<ServiceInstance> instances);
     void tell(const ServiceBrowserState& state);

@@ -82,6 +82,22 @@ TEST_F(DepartureTest, whatHappensOnTheWayDecidesWhatIsTold) {
          },
          {},
          "Waiting to see this device online"},
+        {"an interface of our own takes it along",
+         [](NetworkRig& t) {
+             t.network.loseSight(t.printer);
+             t.pass(1h);
+         },
+         {},
+         "Waiting to see this device online"},
+        {"it is heard again after that and leaves",
+         [](NetworkRig& t) {
+             t.network.loseSight(t.printer);
+             t.network.announce(t.printer);
+             t.network.vanish(t.printer);
+             t.pass(65s);
+         },
+         {left},
+         "Offline · alert sent"},
         {"told before the scan ended, seen in the next",
          [](NetworkRig& t) {
              t.network.vanish(t.printer);
