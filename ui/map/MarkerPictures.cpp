@@ -6,9 +6,9 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <cmath>
+#include <numbers>
 
 namespace nightjar {
 
@@ -16,7 +16,9 @@ namespace {
 
 constexpr qreal widestLabel = 180; ///< points
 constexpr qsizetype longestTitle = 200;
-constexpr qreal haloWidth = 3.2;
+constexpr qreal haloWidth = 1.5;
+constexpr qreal haloOpacity = 0.88;
+constexpr int haloSteps = 12;
 constexpr QSizeF labelMargin{4, 2};
 constexpr qsizetype mostDiscs = 256;
 
@@ -110,6 +112,27 @@ MarkerPictures::Label& MarkerPictures::labelOf(const QString& title) {
     return *label;
 }
 
+/// From the pixels of the text: asking for the outlines of coloured glyphs spoils them for later texts.
+QPixmap MarkerPictures::haloOf(const QPixmap& text) const {
+    QPixmap shape = text;
+    {
+        QPainter painter(&shape);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        painter.fillRect(QRectF(QPointF(0, 0), text.deviceIndependentSize()), m_colors->content);
+    }
+    QPixmap halo = text;
+    halo.fill(Qt::transparent);
+    QPainter painter(&halo);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    for (int step = 0; step < haloSteps; ++step) {
+        const double angle = 2 * std::numbers::pi * step / haloSteps;
+        painter.drawPixmap(haloWidth * QPointF(std::cos(angle), std::sin(angle)), shape);
+    }
+    painter.drawPixmap(0, 0, shape);
+    painter.end();
+    return halo;
+}
+
 QSizeF MarkerPictures::labelSize(const QString& title) {
     return labelOf(title).size;
 }
@@ -118,17 +141,20 @@ QPixmap MarkerPictures::label(const QString& title) {
     Label& label = labelOf(title);
     if (!label.picture.isNull())
         return label.picture;
+    QPixmap text = canvas(label.size);
+    {
+        QPainter painter(&text);
+        painter.setFont(m_font);
+        painter.setPen(m_colors->text);
+        painter.drawText(QPointF(labelMargin.width(), labelMargin.height() + QFontMetricsF(m_font).ascent()),
+                         label.shown);
+    }
     label.picture = canvas(label.size);
     QPainter painter(&label.picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setFont(m_font);
-    const QPointF start(labelMargin.width(), labelMargin.height() + QFontMetricsF(m_font).ascent());
-    QPainterPath halo;
-    halo.addText(start, m_font, label.shown);
-    const QColor around = withAlpha(m_colors->content, 220);
-    painter.strokePath(halo, QPen(around, haloWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.setPen(m_colors->text);
-    painter.drawText(start, label.shown); // not the path: coloured glyphs have none
+    painter.setOpacity(haloOpacity);
+    painter.drawPixmap(0, 0, haloOf(text));
+    painter.setOpacity(1);
+    painter.drawPixmap(0, 0, text);
     painter.end();
     return label.picture;
 }

@@ -34,6 +34,7 @@ private:
 
     Label& labelOf(const QString& title);
     [[nodiscard]] QPixmap canvas(QSizeF size) const;
+    [[nodiscard]] QPixmap haloOf(const QPixmap& text) const;
 
     const Colors* m_colors = nullptr;
     QFont m_font;
