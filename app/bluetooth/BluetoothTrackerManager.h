@@ -85,6 +85,9 @@ public:
     [[nodiscard]] const TrackedBluetoothDevice* trackedDeviceWith(const Uuid& id) const {
         return m_tracked.find(id);
     }
+    [[nodiscard]] LossAlertState lossAlertState(const TrackedBluetoothDevice& device) const {
+        return m_losses.stateOf(device, isMonitoring());
+    }
     /// The file of the tracked devices; absent when the user has no home.
     [[nodiscard]] const std::optional<std::filesystem::path>& trackedDevicesURL() const {
         return m_file.path();
@@ -135,6 +138,8 @@ private:
     void didFailWithError(const LocationError& error);
 
     [[nodiscard]] bool isPoweredOn() const;
+    /// Whether silence is looked for: the finder alone does not.
+    [[nodiscard]] bool isMonitoring() const;
     void resumeScan();
     void clearDevices();
     void hearTracked(const Uuid& id, std::int32_t rssi, SteadyTime now, Date date);

@@ -143,8 +143,12 @@ void BluetoothTrackerManager::checkLossAlertsAfter(std::chrono::milliseconds del
     });
 }
 
+bool BluetoothTrackerManager::isMonitoring() const {
+    return isScanning() && isPoweredOn() && m_scan.monitoringStartedAt();
+}
+
 void BluetoothTrackerManager::checkLossAlerts() {
-    if (!isScanning() || !isPoweredOn() || !m_scan.monitoringStartedAt())
+    if (!isMonitoring())
         return;
     const auto now = m_platform.scheduler.steadyNow();
     const auto due = m_losses.due(m_tracked, now);

@@ -11,6 +11,15 @@
 
 namespace nightjar {
 
+/// How the loss alert of a tracked device stands.
+enum class LossAlertState {
+    off,     ///< the user wants none
+    blind,   ///< nobody listens: no alert can come
+    waiting, ///< it has not been heard since listening began
+    armed,   ///< its silence will be told
+    alerted, ///< its silence has been told
+};
+
 /// Which tracked devices are armed, and which have been alerted. Main thread. Only a device that was heard in
 /// this scan is armed: whatever else silences the radio raises no alarm.
 class LossAlertMonitor {
@@ -27,6 +36,7 @@ public:
     /// The device may be alerted anew; whether it had been alerted.
     bool forgetAlerted(const Uuid& id) { return m_lossAlertedIDs.erase(id) > 0; }
 
+    [[nodiscard]] LossAlertState stateOf(const TrackedBluetoothDevice& device, bool isListening) const;
     /// Whether the device is to be alerted, having been processed last at `heardAt`.
     [[nodiscard]] bool isDue(const TrackedBluetoothDevice& device, SteadyTime heardAt, SteadyTime now) const;
     /// The devices that are to be alerted, in the order of the list.
