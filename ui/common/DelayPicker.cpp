@@ -14,6 +14,7 @@ DelayPicker::DelayPicker(const QString& accessibleName, const std::vector<DelayC
     : QComboBox(parent) {
     setAccessibleName(accessibleName);
     setFocusPolicy(Qt::StrongFocus);
+    setSizeAdjustPolicy(QComboBox::AdjustToContents);
     for (const auto& choice : choices) {
         if (choice.label.isEmpty())
             insertSeparator(count());

@@ -17,6 +17,8 @@ constexpr int mostCharacters = 500;
 NameField::NameField(const QString& accessibleName, QWidget* parent) : QLineEdit(parent) {
     setAccessibleName(accessibleName);
     setMaxLength(mostCharacters);
+    setMinimumWidth(150);
+    setTextMargins(5, 0, 5, 0);
     connect(this, &QLineEdit::editingFinished, this, &NameField::take);
 }
 

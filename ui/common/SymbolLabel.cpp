@@ -21,8 +21,12 @@ SymbolLabel::SymbolLabel(TextSize size, QWidget* parent)
 }
 
 void SymbolLabel::show(const QString& symbol, Tint tint, const QString& text) {
-    m_symbol->show(symbol, tint);
-    m_text->setTint(tint);
+    show(symbol, tint, tint, text);
+}
+
+void SymbolLabel::show(const QString& symbol, Tint symbolTint, Tint textTint, const QString& text) {
+    m_symbol->show(symbol, symbolTint);
+    m_text->setTint(textTint);
     if (m_text->text() != text)
         m_text->setText(text);
     setAccessibleName(text);

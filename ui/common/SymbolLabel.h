@@ -12,12 +12,13 @@ namespace nightjar {
 class SymbolView;
 class TextLabel;
 
-/// A symbol and the words that belong to it, both in one tint.
+/// A symbol and the words that belong to it.
 class SymbolLabel final : public QWidget {
     Q_OBJECT
 public:
     explicit SymbolLabel(TextSize size = TextSize::body, QWidget* parent = nullptr);
     void show(const QString& symbol, Tint tint, const QString& text);
+    void show(const QString& symbol, Tint symbolTint, Tint textTint, const QString& text);
     using QWidget::show;
     [[nodiscard]] QString text() const;
     [[nodiscard]] QString symbol() const;

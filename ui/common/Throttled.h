@@ -31,8 +31,8 @@ public Q_SLOTS:
         if (passed >= m_interval)
             QMetaObject::invokeMethod(this, &Throttled::runNow, Qt::QueuedConnection);
         else
-            m_timer = m_scheduler.after(
-                std::chrono::ceil<std::chrono::milliseconds>(m_interval - passed), [this] { runNow(); });
+            m_timer = m_scheduler.after(std::chrono::ceil<std::chrono::milliseconds>(m_interval - passed),
+                                        [this] { runNow(); });
     }
 
 private:

@@ -26,9 +26,8 @@ QString durationText(double seconds) {
         const auto count = left / unit.seconds;
         left %= unit.seconds;
         if (count > 0)
-            parts << QStringLiteral("%1 %2%3")
-                         .arg(count)
-                         .arg(QLatin1StringView(unit.name), count == 1 ? QString() : QStringLiteral("s"));
+            parts << QStringLiteral("%1 %2%3").arg(count).arg(QLatin1StringView(unit.name),
+                                                              count == 1 ? QString() : QStringLiteral("s"));
     }
     return parts.isEmpty() ? QStringLiteral("0 seconds") : parts.mid(0, 2).join(u' ');
 }

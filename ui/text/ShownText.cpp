@@ -60,18 +60,24 @@ QString shownText(std::string_view utf8) {
 }
 
 QString breakable(const QString& text) {
-    constexpr int longestWhole = 18;
+    constexpr qsizetype longestWhole = 18;
+    constexpr qsizetype piece = 6;
     constexpr QChar mayBreakHere(0x200b);
     QString broken;
-    broken.reserve(text.size() + text.size() / longestWhole);
-    int length = 0;
-    for (const QChar character : text) {
-        if (length >= longestWhole && !character.isLowSurrogate() && !character.isMark()) {
-            broken.append(mayBreakHere);
-            length = 0;
+    for (qsizetype start = 0; start < text.size();) {
+        const auto isSpace = [](QChar character) { return character.isSpace(); };
+        const auto end = std::find_if(text.begin() + start, text.end(), isSpace) - text.begin();
+        const bool isLong = end - start > longestWhole;
+        for (auto place = start; place < end; ++place) {
+            const QChar character = text[place];
+            if (isLong && place > start && (place - start) % piece == 0 && !character.isLowSurrogate() &&
+                !character.isMark())
+                broken.append(mayBreakHere);
+            broken.append(character);
         }
-        length = character.isSpace() ? 0 : length + 1;
-        broken.append(character);
+        if (end < text.size())
+            broken.append(text[end]);
+        start = end + 1;
     }
     return broken;
 }
