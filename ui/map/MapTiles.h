@@ -90,7 +90,7 @@ private:
         QString attribution;
         TileQueue queue{1};
         QHash<TileKey, int> standIns; ///< for tiles that are not in the file: the zoom of what is, or -1
-        TileCache cache{16 << 20};
+        TileCache cache{10 << 20};
         int generation = 0;
     };
 
@@ -105,10 +105,10 @@ private:
     MapTileSettings m_settings;
     std::shared_ptr<const BuiltInMap> m_builtInMap = std::make_shared<BuiltInMap>();
     TileQueue m_drawing{2};
-    std::array<TileCache, 2> m_drawn{TileCache(8 << 20), TileCache(8 << 20)}; ///< one per density
+    std::array<TileCache, 2> m_drawn{TileCache(5 << 20), TileCache(5 << 20)}; ///< one per density
     bool m_isDark = false;                                                    ///< what all caches hold
     std::unique_ptr<StreetTiles> m_streets;
-    TileCache m_streetCache{16 << 20};
+    TileCache m_streetCache{10 << 20};
     Local m_local;
     TileWorkers m_painters;
     TileWorkers m_reader;
