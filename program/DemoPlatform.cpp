@@ -25,6 +25,7 @@ DemoPlatform::DemoPlatform(DemoProfile profile)
       m_bluetoothWorld(m_bluetooth, m_scheduler, demoPeripherals(), worldSeed),
       m_networkWorld(m_network, m_scheduler, demoHosts()) {
     m_preferences.setString("serialPort", m_profile.port());
+    m_messages.refuse(MessageTransportError{.message = "Nobody outside the demo hears of it."});
 }
 
 PlatformServices DemoPlatform::services() {

@@ -8,9 +8,11 @@
 #include "program/DemoUser.h"
 #include "program/EndSignals.h"
 #include "program/HeadlessProgram.h"
+#include "program/WindowProgram.h"
 #include "radio/MeshRadio.h"
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QStandardPaths>
 
 #include <csignal>
 #include <cstdlib>
@@ -53,8 +55,16 @@ int runReal(const CommandLine& commandLine) {
     LinuxPlatform platform;
     if (const auto problem = platform.problem())
         std::cerr << *problem << std::endl;
-    HeadlessProgram program(commandLine, platform.services(), Desktop::used);
-    return run(program);
+    if (commandLine.headless) {
+        HeadlessProgram program(commandLine, platform.services(), Desktop::used);
+        return run(program);
+    }
+    const QString caches = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+    WindowProgram program({.platform = platform.services(),
+                           .appearance = platform.appearance(),
+                           .cacheFolder = caches.isEmpty() ? QString() : caches + QStringLiteral("/tiles")});
+    program.run();
+    return EX_OK;
 }
 
 /// The bridge that was built or installed with this program, else the one that the user has.
@@ -73,11 +83,40 @@ int runDemo(const CommandLine& commandLine) {
     }
     DemoPlatform platform(*std::move(profile));
     // What happens in the made-up world must not alarm anyone on the real desktop.
-    HeadlessProgram program(commandLine, platform.services(), Desktop::leftAlone);
+    if (commandLine.headless) {
+        HeadlessProgram program(commandLine, platform.services(), Desktop::leftAlone);
+        DemoUser user(program.model());
+        user.begin();
+        platform.begin();
+        return run(program);
+    }
+    WindowProgram program({.platform = platform.services(),
+                           .appearance = platform.appearance(),
+                           .cacheFolder = {},
+                           .showsNotifications = true});
+    // Which watches run is up to whoever sits before the window.
     DemoUser user(program.model());
-    user.begin();
     platform.begin();
-    return run(program);
+    program.run();
+    return EX_OK;
+}
+
+bool isSet(const char* variable) {
+    const char* value = std::getenv(variable);
+    return value && *value;
+}
+
+/// Without a screen the watch goes on without a window.
+bool hasScreen() {
+    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
+
+int runProgram(const CommandLine& commandLine) {
+    const int status = commandLine.demo ? runDemo(commandLine) : runReal(commandLine);
+    // Everything is on the disk. What such a thread waits for would hold up the end of the libraries too.
+    if (BackgroundThread::wasOneLeftBehind())
+        std::_Exit(status);
+    return status;
 }
 
 } // namespace
@@ -89,7 +128,7 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
 
     const std::vector<std::string_view> arguments(argv + std::min(argc, 1), argv + argc);
-    const auto commandLine = CommandLine::parse(arguments);
+    auto commandLine = CommandLine::parse(arguments);
     if (!commandLine) {
         std::cerr << "nightjar: " << commandLine.error() << std::endl;
         return EX_USAGE;
@@ -102,13 +141,16 @@ int main(int argc, char** argv) {
         std::cout << "nightjar " NIGHTJAR_VERSION "\n";
         return EX_OK;
     }
-    if (!commandLine->headless) {
-        std::cerr << "This build has no window yet; going on as with --headless." << std::endl;
+    QCoreApplication::setApplicationName(QStringLiteral("nightjar"));
+    if (!commandLine->headless && !hasScreen()) {
+        std::cerr << "There is no screen here; going on as with --headless." << std::endl;
+        commandLine->headless = true;
     }
-    const QCoreApplication application(argc, argv);
-    const int status = commandLine->demo ? runDemo(*commandLine) : runReal(*commandLine);
-    // Everything is on the disk. What such a thread waits for would hold up the end of the libraries too.
-    if (BackgroundThread::wasOneLeftBehind())
-        std::_Exit(status);
-    return status;
+    if (commandLine->headless) {
+        const QCoreApplication application(argc, argv);
+        return runProgram(*commandLine);
+    }
+    const QApplication application(argc, argv);
+    WindowProgram::dress();
+    return runProgram(*commandLine);
 }

@@ -6,8 +6,10 @@
 #include "ui/text/ShownText.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <utility>
 
 namespace nightjar::MeshRows {
@@ -131,7 +133,10 @@ QString power(const MeshNode& node) {
 QString signal(const MeshNode& node) {
     if (!node.signalToNoise || !std::isfinite(*node.signalToNoise))
         return notReported();
-    return QString::asprintf("%.1f dB", static_cast<double>(*node.signalToNoise));
+    // Qt would round -7.25 away from zero, unlike everything else that prints it.
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%.1f dB", static_cast<double>(*node.signalToNoise));
+    return QString::fromLatin1(text.data());
 }
 
 QString degrees(double value) {

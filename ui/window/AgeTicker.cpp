@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#include "ui/window/AgeTicker.h"
+
+#include <QEvent>
+
+#include <algorithm>
+#include <chrono>
+
+namespace nightjar {
+
+namespace {
+
+/// Most ages are told in minutes.
+constexpr std::chrono::seconds interval{10};
+
+bool canBeSeen(const QPointer<QWidget>& window) {
+    return window && window->isVisible() && !window->isMinimized();
+}
+
+} // namespace
+
+void AgeTicker::follow(QWidget& window) {
+    m_windows << &window;
+    window.installEventFilter(this);
+    update();
+}
+
+bool AgeTicker::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+    case QEvent::Show:
+    case QEvent::Hide:
+    case QEvent::WindowStateChange:
+        update();
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void AgeTicker::update() {
+    const bool ticks = std::ranges::any_of(m_windows, canBeSeen);
+    if (ticks == m_isTicking)
+        return;
+    m_isTicking = ticks;
+    m_tick.cancel();
+    if (!ticks)
+        return;
+    m_tick = m_context.platform().scheduler.every(interval, [this] { Q_EMIT m_context.timePassed(); });
+    Q_EMIT m_context.timePassed();
+}
+
+} // namespace nightjar

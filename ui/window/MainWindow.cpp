@@ -1,0 +1,160 @@
+// SPDX-FileCopyrightText: Nightjar contributors
+// SPDX-License-Identifier: Apache-2.0
+#include "ui/window/MainWindow.h"
+
+#include "ui/bluetooth/BluetoothSection.h"
+#include "ui/mesh/MeshSection.h"
+#include "ui/network/LocalNetworkSection.h"
+#include "ui/style/Colors.h"
+#include "ui/window/PageFade.h"
+#include "ui/window/SectionToolbar.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QPixmap>
+#include <QShortcut>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace nightjar {
+
+namespace {
+
+struct ColumnWidth {
+    int minimum, ideal, maximum;
+};
+constexpr std::array<ColumnWidth, 3> columnWidths{
+    {{240, 280, 340}, {480, 760, QWIDGETSIZE_MAX}, {280, 320, 380}}};
+
+/// A column on its own ground.
+class Column final : public QStackedWidget {
+public:
+    explicit Column(QColor Colors::*ground) : m_ground(ground) {}
+
+protected:
+    void paintEvent(QPaintEvent*) override { QPainter(this).fillRect(rect(), Colors::of(this).*m_ground); }
+
+private:
+    QColor Colors::*m_ground;
+};
+
+} // namespace
+
+MainWindow::MainWindow(ViewContext& context, QWidget* parent)
+    : QWidget(parent),
+      m_context(context),
+      m_network(savedNetworkSection(context.platform().preferences)),
+      m_bluetooth(new BluetoothSection(context)),
+      m_localNetwork(new LocalNetworkSection(context)),
+      m_mesh(new MeshSection(context)),
+      m_splitter(new QSplitter(Qt::Horizontal)) {
+    setWindowTitle(QStringLiteral("Halvard Nightjar"));
+    setMinimumSize(1080, 680);
+    resize(1320, 820);
+    for (Section* section : {static_cast<Section*>(m_bluetooth), static_cast<Section*>(m_localNetwork),
+                             static_cast<Section*>(m_mesh)})
+        section->setParent(this);
+    m_toolbar = new SectionToolbar(context, {*m_bluetooth, *m_localNetwork, *m_mesh});
+    connect(m_toolbar, &SectionToolbar::chosen, this, &MainWindow::setNetwork);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_toolbar);
+    layout->addWidget(m_splitter, 1);
+    buildColumns();
+    addShortcuts();
+    m_toolbar->showSection(m_network);
+    showColumns();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::buildColumns() {
+    m_splitter->setChildrenCollapsible(false);
+    m_columns = {new Column(&Colors::sidebar), new Column(&Colors::content), new Column(&Colors::window)};
+    QList<int> widths;
+    for (std::size_t place = 0; place < m_columns.size(); ++place) {
+        auto* column = m_columns[place];
+        column->setMinimumWidth(columnWidths[place].minimum);
+        column->setMaximumWidth(columnWidths[place].maximum);
+        m_splitter->addWidget(column);
+        m_splitter->setStretchFactor(static_cast<int>(place), place == 1 ? 1 : 0);
+        widths << columnWidths[place].ideal;
+    }
+    for (const auto network :
+         {NetworkSection::bluetooth, NetworkSection::localNetwork, NetworkSection::meshtastic}) {
+        auto& shown = section(network);
+        m_columns[0]->addWidget(shown.sidebar());
+        m_columns[1]->addWidget(shown.content());
+        m_columns[2]->addWidget(shown.inspector());
+    }
+    m_splitter->setSizes(widths);
+}
+
+void MainWindow::addShortcuts() {
+    const auto add = [this](const QKeySequence& keys, auto action) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, action);
+    };
+    add(Qt::CTRL | Qt::Key_1, [this] { setNetwork(NetworkSection::bluetooth); });
+    add(Qt::CTRL | Qt::Key_2, [this] { setNetwork(NetworkSection::localNetwork); });
+    add(Qt::CTRL | Qt::Key_3, [this] { setNetwork(NetworkSection::meshtastic); });
+    add(Qt::Key_F5, [this] { m_toolbar->scanOrReconnect(); });
+    add(Qt::CTRL | Qt::Key_Comma, [this] { Q_EMIT m_context.settingsRequested(); });
+    add(Qt::CTRL | Qt::Key_Q, [this] { close(); });
+}
+
+Section& MainWindow::section(NetworkSection network) const {
+    switch (network) {
+    case NetworkSection::bluetooth:
+        return *m_bluetooth;
+    case NetworkSection::localNetwork:
+        return *m_localNetwork;
+    case NetworkSection::meshtastic:
+        break;
+    }
+    return *m_mesh;
+}
+
+void MainWindow::setNetwork(NetworkSection network) {
+    if (network == m_network)
+        return;
+    const auto former = std::exchange(m_network, network);
+    saveNetworkSection(m_context.platform().preferences, network);
+    m_toolbar->showSection(network);
+    auto& content = *m_columns[1];
+    const QPixmap picture = content.isVisible() ? content.grab() : QPixmap();
+    if (m_hasAppeared)
+        section(former).deactivate();
+    showColumns();
+    fadeAway(picture, content);
+    if (m_hasAppeared)
+        section(network).activate();
+}
+
+void MainWindow::showColumns() {
+    for (auto* column : m_columns)
+        column->setCurrentIndex(static_cast<int>(m_network));
+}
+
+void MainWindow::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (std::exchange(m_hasAppeared, true))
+        return;
+    section(m_network).activate();
+    section(m_network).takeFocus();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    QWidget::closeEvent(event);
+    Q_EMIT closed();
+}
+
+void MainWindow::paintEvent(QPaintEvent*) {
+    QPainter(this).fillRect(rect(), Colors::of(this).window);
+}
+
+} // namespace nightjar
