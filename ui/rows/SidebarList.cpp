@@ -56,6 +56,14 @@ void SidebarList::dataChanged(const QModelIndex& first, const QModelIndex& last,
     QAbstractItemView::dataChanged(first, last, roles); // NOLINT(bugprone-parent-virtual-call)
 }
 
+/// A list view would choose its first row.
+void SidebarList::focusInEvent(QFocusEvent* event) {
+    const QScopedValueRollback updating(m_isUpdating, true);
+    QListView::focusInEvent(event);
+    if (!selectionModel()->hasSelection())
+        selectionModel()->clearCurrentIndex();
+}
+
 void SidebarList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     QListView::currentChanged(current, previous);
     if (m_isUpdating || !current.isValid())

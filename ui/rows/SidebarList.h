@@ -34,6 +34,7 @@ Q_SIGNALS:
 
 protected:
     void dataChanged(const QModelIndex& first, const QModelIndex& last, const QList<int>& roles) override;
+    void focusInEvent(QFocusEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
