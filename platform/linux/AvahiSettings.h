@@ -11,7 +11,7 @@ namespace nightjar {
 struct ProberSettings {
     using Milliseconds = std::chrono::milliseconds;
 
-    /// An important service that is there is asked again after this long or up to three tenths more. What an
+    /// An important service that is there is asked again after this long or up to a tenth more. What an
     /// answer says lives for 120 s in the daemon's memory: sooner, that would answer instead of the device.
     Milliseconds period{122'000};
     /// At most so long after an answer out of memory, which others on the network may have refreshed; every
@@ -42,8 +42,9 @@ struct ProberSettings {
     Milliseconds wakeGrace{30'000};
     /// When the date moves so much against steady time, the computer slept, or its clock was set.
     Milliseconds sleepJump{5'000};
-    /// For so long it is our own link that is doubted when several devices fall silent together.
-    Milliseconds doubtLimit{120'000};
+    /// For so long it is our own link that is doubted when several devices fall silent together. With the period
+    /// and the time-outs before it, a death is told within four minutes.
+    Milliseconds doubtLimit{50'000};
 };
 
 /// The times that rule the talk with the daemon of Avahi.

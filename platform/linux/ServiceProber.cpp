@@ -206,7 +206,7 @@ std::chrono::milliseconds ServiceProber::apartFromOthers() const {
     auto best = m_settings.period;
     SteadyTime::duration widest{-1};
     for (int i = 0; i < choices; ++i) {
-        const auto delay = m_settings.period + m_settings.period * 3 * i / (10 * choices);
+        const auto delay = m_settings.period + m_settings.period * i / (10 * choices);
         const auto next = m_important.lower_bound({now + delay, nullptr});
         auto gap = next == m_important.end() ? SteadyTime::duration::max() : next->first - (now + delay);
         if (next != m_important.begin())

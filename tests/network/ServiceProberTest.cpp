@@ -95,7 +95,7 @@ TEST_F(ServiceProberTest, deviceWithoutPowerIsGoneWithinFiveMinutesAndBackWithin
     EXPECT_THAT(m_changes, IsEmpty());
 
     m_silent = {"printer"};
-    EXPECT_LE(timeUntilChange("printer"), 270s);
+    EXPECT_LE(timeUntilChange("printer"), 240s);
     EXPECT_TRUE(isThere("lamp"));
     m_scheduler.advance(1h);
     EXPECT_THAT(m_changes, ElementsAre("printer"));
@@ -241,7 +241,7 @@ TEST_F(ServiceProberTest, eachInterfaceIsLookedAtByItself) {
             m_prober.add(service(name, "_ssh._tcp", interface), Source::heard);
     m_scheduler.advance(10min);
     m_silent = {"printer@2"};
-    m_scheduler.advance(270s);
+    m_scheduler.advance(240s);
     EXPECT_FALSE(m_prober.isThere(service("printer", "_ssh._tcp", 2)).value());
     EXPECT_TRUE(isThere("printer"));
 
@@ -275,7 +275,7 @@ TEST_F(ServiceProberTest, aDeviceThatDiesAmongOthersIsNotDoubtedForLong) {
         m_silent.clear();
         m_scheduler.advance(15min + 7s * round);
         m_silent = {"printer"};
-        EXPECT_LE(timeUntilChange("printer"), 270s) << "with two to bear witness";
+        EXPECT_LE(timeUntilChange("printer"), 240s) << "with two to bear witness";
     }
 
     m_prober.setImportant([](const ProbedService& asked) { return asked.name == "printer"; });
