@@ -8,6 +8,7 @@
 #include "ui/common/DetailView.h"
 #include "ui/common/TextLabel.h"
 #include "ui/common/UnavailableView.h"
+#include "ui/map/MapGeometry.h"
 
 namespace nightjar {
 
@@ -94,7 +95,7 @@ void BluetoothContent::show(const ShownBluetoothDevice& device) {
     if (isFinding(m_context.bluetoothTrackers(), device.id)) {
         m_finder->refresh(device.name());
         setCurrentWidget(m_finder);
-    } else if (device.hasLocation()) {
+    } else if (device.hasLocation() && isOnEarth({*device.tracked->latitude, *device.tracked->longitude})) {
         m_map->show(*device.tracked);
         setCurrentWidget(m_map);
     } else if (device.tracked) {

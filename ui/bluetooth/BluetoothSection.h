@@ -9,6 +9,7 @@
 #include "ui/common/ViewContext.h"
 
 #include <QPointer>
+#include <QWidget>
 
 #include <vector>
 

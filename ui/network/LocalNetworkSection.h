@@ -8,6 +8,7 @@
 #include "ui/common/ViewContext.h"
 
 #include <QPointer>
+#include <QWidget>
 
 #include <string>
 #include <vector>

@@ -14,6 +14,7 @@ using namespace std::chrono_literals;
 using testing::advertisement;
 using ::testing::AllOf;
 using testing::deviceID;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -130,6 +131,18 @@ TEST_F(BluetoothInspectorTest, renamesOnEnterAndOnLeaving) {
     clickRow(lamp.text());
     EXPECT_EQ(manager().trackedDeviceWith(lamp)->name, "Lamp");
     EXPECT_EQ(tracked().name, "Wrong") << "it was typed for the device that was left";
+}
+
+TEST_F(BluetoothInspectorTest, theKeyboardGoesThroughItInReadingOrder) {
+    track();
+    name().setFocus();
+    std::vector<std::string> reached;
+    for (int step = 0; step < 5; ++step) {
+        reached.push_back(QApplication::focusWidget()->accessibleName().toStdString());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_THAT(reached, ElementsAre("Device name", "Alert when signal is lost", "Alert after", "Find Nearby",
+                                     "Stop Tracking"));
 }
 
 TEST_F(BluetoothInspectorTest, nothingIsSentByShowing) {
