@@ -3,7 +3,7 @@
 
 # Shared by the scripts of this folder; read with ".", from the top folder of the sources.
 
-build_packages="g++ cmake ninja-build libsimdjson-dev libicu-dev libcanberra-dev libdbus-1-dev libsqlite3-dev qt6-base-dev libqt6svg6-dev"
+build_packages="g++ cmake ninja-build libsimdjson-dev libicu-dev libcanberra-dev libdbus-1-dev libsqlite3-dev qt6-base-dev qt6-svg-dev"
 # The outlines of the built-in map come through npm; Debian's brings much along, so it is for those who have none.
 command -v npm >/dev/null 2>&1 || build_packages="$build_packages npm"
 test_packages="libgtest-dev libgmock-dev dbus modemmanager python3 avahi-daemon iproute2 nftables"
