@@ -108,6 +108,14 @@ void NotificationBanners::makeRoom() {
         leaving->leave();
 }
 
+/// How high a banner is is known once it has its fonts.
+bool NotificationBanners::event(QEvent* event) {
+    const bool isHandled = QWidget::event(event);
+    if (event->type() == QEvent::LayoutRequest)
+        place();
+    return isHandled;
+}
+
 bool NotificationBanners::eventFilter(QObject* watched, QEvent* event) {
     const bool isWindow = watched == parentWidget();
     if ((isWindow && event->type() == QEvent::Resize) || (!isWindow && event->type() == QEvent::Hide))

@@ -19,6 +19,7 @@ public:
     using QWidget::show;
 
 protected:
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
