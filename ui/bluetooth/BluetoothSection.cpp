@@ -24,6 +24,12 @@ BluetoothSection::BluetoothSection(ViewContext& context)
     m_inspector = new BluetoothInspector(context, m_selection);
 }
 
+BluetoothSection::~BluetoothSection() {
+    delete m_sidebar;
+    delete m_content;
+    delete m_inspector;
+}
+
 QWidget* BluetoothSection::sidebar() {
     return m_sidebar;
 }

@@ -24,6 +24,8 @@ class BluetoothSection final : public ScanningSection {
     Q_OBJECT
 public:
     explicit BluetoothSection(ViewContext& context);
+    /// Its widgets go with it, those that are left.
+    ~BluetoothSection() override;
 
     [[nodiscard]] QWidget* sidebar() override;
     [[nodiscard]] QWidget* content() override;

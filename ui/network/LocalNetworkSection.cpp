@@ -22,6 +22,12 @@ LocalNetworkSection::LocalNetworkSection(ViewContext& context)
     m_inspector = new LocalNetworkInspector(context, m_selection);
 }
 
+LocalNetworkSection::~LocalNetworkSection() {
+    delete m_sidebar;
+    delete m_content;
+    delete m_inspector;
+}
+
 QWidget* LocalNetworkSection::sidebar() {
     return m_sidebar;
 }

@@ -22,6 +22,8 @@ class LocalNetworkSection final : public ScanningSection {
     Q_OBJECT
 public:
     explicit LocalNetworkSection(ViewContext& context);
+    /// Its widgets go with it, those that are left.
+    ~LocalNetworkSection() override;
 
     [[nodiscard]] QWidget* sidebar() override;
     [[nodiscard]] QWidget* content() override { return m_content; }
