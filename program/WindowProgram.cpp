@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "program/WindowProgram.h"
 
+#include "app/alerts/AlertIdentifiers.h"
 #include "program/EndSignals.h"
 #include "radio/MeshRadio.h"
 #include "ui/style/NightjarStyle.h"
@@ -13,6 +14,7 @@
 
 #include <memory>
 
+void T(const char*);
 namespace nightjar {
 
 WindowProgram::WindowProgram(const World& world)
@@ -25,7 +27,11 @@ WindowProgram::WindowProgram(const World& world)
     if (!world.showsNotifications)
         return;
     m_banners = new NotificationBanners(m_app.mainWindow(), world.platform.scheduler);
-    m_notifications.setReporter([this](const Notification& notification) { m_banners->show(notification); });
+    m_notifications.setReporter([this](const Notification& notification) {
+        // Chats have their own view; here they would hide it.
+        if (!AlertIdentifiers::isMessage(notification.identifier))
+            m_banners->show(notification);
+    });
 }
 
 WindowProgram::~WindowProgram() {
@@ -37,7 +43,7 @@ void WindowProgram::run() {
     const EndSignals signals;
     QObject::connect(&signals, &EndSignals::endRequested, qApp, &QCoreApplication::quit);
     QObject::connect(&m_app, &NightjarApp::closed, qApp, &QCoreApplication::quit);
-    m_app.start();
+    m_app.start();T("shown");
     QApplication::exec();
 }
 

@@ -8,6 +8,8 @@ namespace nightjar::AlertIdentifiers {
 
 namespace {
 
+constexpr std::string_view messagePrefix = "message-";
+
 std::string timeText(Date now) {
     return shortestText(unixSeconds(now));
 }
@@ -15,7 +17,11 @@ std::string timeText(Date now) {
 } // namespace
 
 std::string message(const Uuid& message) {
-    return "message-" + message.text();
+    return std::string(messagePrefix) + message.text();
+}
+
+bool isMessage(std::string_view identifier) {
+    return identifier.starts_with(messagePrefix);
 }
 
 std::string guardedDeviceMoved(Date now) {

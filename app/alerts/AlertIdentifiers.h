@@ -13,6 +13,7 @@
 namespace nightjar::AlertIdentifiers {
 
 [[nodiscard]] std::string message(const Uuid& message);
+[[nodiscard]] bool isMessage(std::string_view identifier);
 [[nodiscard]] std::string guardedDeviceMoved(Date now);
 [[nodiscard]] std::string bluetoothLost(const Uuid& device, Date now);
 [[nodiscard]] std::string bluetoothReturned(const Uuid& device, Date now);
