@@ -14,7 +14,6 @@
 
 #include <memory>
 
-void T(const char*);
 namespace nightjar {
 
 WindowProgram::WindowProgram(const World& world)
@@ -43,7 +42,7 @@ void WindowProgram::run() {
     const EndSignals signals;
     QObject::connect(&signals, &EndSignals::endRequested, qApp, &QCoreApplication::quit);
     QObject::connect(&m_app, &NightjarApp::closed, qApp, &QCoreApplication::quit);
-    m_app.start();T("shown");
+    m_app.start();
     QApplication::exec();
 }
 
