@@ -18,6 +18,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -111,6 +112,34 @@ bool hasScreen() {
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
 }
 
+bool isWaylandPreferred() {
+    const auto says = [](const char* variable, std::string_view word) {
+        return isSet(variable) && std::string_view(std::getenv(variable)).find(word) != std::string_view::npos;
+    };
+    return says("XDG_SESSION_TYPE", "wayland") && !says("XDG_CURRENT_DESKTOP", "GNOME");
+}
+
+/// The command line, with what the framework is to do where the screen that the environment names does not
+/// answer. It would abort. A choice of the user's stands.
+std::vector<char*> withFallback(int argc, char** argv) {
+    static char option[] = "-platform";
+    static std::string platforms;
+    std::vector<char*> arguments(argv, argv + argc);
+    if (!isSet("QT_QPA_PLATFORM")) {
+        const std::string x11 = isSet("DISPLAY") ? "xcb;" : "";
+        const std::string wayland = isSet("WAYLAND_DISPLAY") ? "wayland;" : "";
+        platforms = (isWaylandPreferred() ? wayland + x11 : x11 + wayland) + "offscreen";
+        arguments.insert(arguments.end(), {option, platforms.data()});
+    }
+    arguments.push_back(nullptr);
+    return arguments;
+}
+
+/// The screen that the environment names did not answer.
+bool lacksScreen() {
+    return !isSet("QT_QPA_PLATFORM") && QGuiApplication::platformName() == QLatin1String("offscreen");
+}
+
 int runProgram(const CommandLine& commandLine) {
     const int status = commandLine.demo ? runDemo(commandLine) : runReal(commandLine);
     // Everything is on the disk. What such a thread waits for would hold up the end of the libraries too.
@@ -150,7 +179,14 @@ int main(int argc, char** argv) {
         const QCoreApplication application(argc, argv);
         return runProgram(*commandLine);
     }
-    const QApplication application(argc, argv);
-    WindowProgram::dress();
+    auto guiArguments = withFallback(argc, argv);
+    auto count = static_cast<int>(guiArguments.size()) - 1;
+    const QApplication application(count, guiArguments.data());
+    if (lacksScreen()) {
+        std::cerr << "The screen does not answer; going on as with --headless." << std::endl;
+        commandLine->headless = true;
+    } else {
+        WindowProgram::dress();
+    }
     return runProgram(*commandLine);
 }
