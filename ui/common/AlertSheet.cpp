@@ -3,6 +3,7 @@
 #include "ui/common/AlertSheet.h"
 
 #include "ui/common/Buttons.h"
+#include "ui/common/Spoken.h"
 #include "ui/common/SymbolView.h"
 #include "ui/common/TextLabel.h"
 #include "ui/text/ShownText.h"
@@ -18,6 +19,7 @@ AlertSheet::AlertSheet(const QString& title, const QString& text, const QStringL
     : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint), m_label(new TextLabel({})) {
     setWindowTitle(title);
     setAccessibleName(title);
+    speakAs(*this, Spoken::alertWindow);
     setAttribute(Qt::WA_DeleteOnClose);
 
     auto* layout = new QVBoxLayout(this);

@@ -33,6 +33,7 @@ IconButton::IconButton(const QString& symbol, const QString& accessibleName, con
     : QToolButton(parent), m_symbol(symbol), m_tint(tint) {
     setAccessibleName(accessibleName);
     setToolTip(plainToolTip(help));
+    setAccessibleDescription(help); // else the tool tip is read out with its marks
     setIconSize({18, 18});
     setFixedSize(34, 30);
     setFocusPolicy(Qt::TabFocus);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/common/Card.h"
 
+#include "ui/common/Spoken.h"
 #include "ui/common/TextLabel.h"
 #include "ui/text/ShownText.h"
 
@@ -56,6 +57,7 @@ QHBoxLayout* makeRowLayout(QWidget* row) {
 
 MetricRow::MetricRow(const QString& label, const QString& value, QWidget* parent)
     : QWidget(parent), m_label(label), m_value(value), m_text(new TextLabel(breakable(value))) {
+    speakAs(*this, Spoken::text);
     auto* layout = makeRowLayout(this);
     layout->addWidget(new TextLabel(label, TextSize::body, Tint::secondary), 0, Qt::AlignTop);
     m_text->setAlignment(Qt::AlignRight | Qt::AlignTop);
@@ -76,12 +78,15 @@ void MetricRow::setValue(const QString& value) {
 Card::Card(const QString& title, QWidget* parent)
     : QWidget(parent), m_body(new Ground), m_rows(new QVBoxLayout(m_body)) {
     setAccessibleName(title);
+    if (!title.isEmpty())
+        speakAs(*this, Spoken::group);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
     if (!title.isEmpty()) {
         auto* heading = new TextLabel(title, TextSize::headline);
         heading->setContentsMargins(4, 0, 0, 0);
+        heading->setBuddy(this); // the same title, and not one more
         layout->addWidget(heading);
     }
     m_rows->setContentsMargins(0, 3, 0, 3);
@@ -104,7 +109,7 @@ QWidget* Card::addControl(const QString& label, QWidget* control) {
     auto* layout = makeRowLayout(row);
     auto* text = new TextLabel(label);
     text->setWordWrap(true);
-    text->setBuddy(control);
+    text->setBuddy(control->focusProxy() ? control->focusProxy() : control);
     layout->addWidget(text, 1);
     layout->addWidget(control);
     addRow(row);

@@ -3,12 +3,16 @@
 #include "ui/common/InspectorPage.h"
 
 #include "ui/common/Card.h"
+#include "ui/common/Spoken.h"
 #include "ui/common/SymbolView.h"
 #include "ui/common/TextLabel.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QScrollBar>
 #include <QVBoxLayout>
+
+#include <utility>
 
 namespace nightjar {
 
@@ -17,6 +21,7 @@ InspectorHeader::InspectorHeader(QWidget* parent)
       m_symbol(new SymbolView({}, 34, Tint::secondary)),
       m_name(new ElidedLabel(TextSize::title)),
       m_caption(new ElidedLabel(TextSize::caption, Tint::secondary)) {
+    speakAs(*this, Spoken::heading);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(12);
@@ -49,8 +54,22 @@ InspectorPage::InspectorPage(QWidget* parent) : QScrollArea(parent), m_header(ne
     m_column->addWidget(m_header);
     m_column->addStretch();
     setWidget(body);
+    connect(qApp, &QApplication::focusChanged, this, &InspectorPage::showFocus);
     for (QWidget* ground : {static_cast<QWidget*>(this), viewport(), body})
         ground->setAutoFillBackground(false);
+}
+
+/// The keys may come from another column. A click is left alone: what it hits must not move away under it.
+void InspectorPage::showFocus(const QWidget*, QWidget* now) {
+    if (now && isAncestorOf(now) && QApplication::mouseButtons() == Qt::NoButton)
+        ensureWidgetVisible(now, 0, 16);
+}
+
+void InspectorPage::follow(const std::string& id) {
+    if (std::exchange(m_id, id) == id)
+        return;
+    if (const QWidget* focus = window()->focusWidget(); focus && isAncestorOf(focus))
+        m_header->setFocus(Qt::OtherFocusReason);
 }
 
 Card* InspectorPage::addCard(const QString& title) {

@@ -6,6 +6,8 @@
 
 #include <QScrollArea>
 
+#include <string>
+
 class QVBoxLayout;
 
 namespace nightjar {
@@ -38,8 +40,14 @@ public:
     void addWidget(QWidget* widget);
     /// Side by side, equally wide.
     QWidget* addButtons(const QList<QWidget*>& buttons);
+    /// Of whom the page tells. When that changes under the keyboard, it goes to the name: a button such as
+    /// "Forget Device" was meant for the former.
+    void follow(const std::string& id);
 
 private:
+    void showFocus(const QWidget* former, QWidget* now);
+
+    std::string m_id;
     QVBoxLayout* m_column;
     InspectorHeader* m_header;
 };

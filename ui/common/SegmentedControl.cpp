@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/common/SegmentedControl.h"
 
+#include "ui/common/Spoken.h"
 #include "ui/style/Colors.h"
 #include "ui/style/NightjarStyle.h"
 
@@ -46,6 +47,7 @@ SegmentedControl::SegmentedControl(const QString& accessibleName, const QStringL
     : QWidget(parent) {
     setFixedSize(width, 30);
     setAccessibleName(accessibleName);
+    speakAs(*this, Spoken::group);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->setSpacing(0);
@@ -64,6 +66,7 @@ SegmentedControl::SegmentedControl(const QString& accessibleName, const QStringL
         m_segments << segment;
     }
     m_segments.first()->setChecked(true);
+    keepOneTabStop();
     m_slide.setDuration(160);
     m_slide.setEasingCurve(QEasingCurve::OutCubic);
     connect(&m_slide, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {
@@ -75,8 +78,12 @@ SegmentedControl::SegmentedControl(const QString& accessibleName, const QStringL
 void SegmentedControl::setCurrent(int segment) {
     if (segment == m_current)
         return;
+    const bool hadFocus = m_segments[m_current]->hasFocus();
     m_current = segment;
     m_segments[segment]->setChecked(true);
+    keepOneTabStop();
+    if (hadFocus)
+        m_segments[segment]->setFocus(Qt::OtherFocusReason);
     m_slide.stop();
     m_slide.setStartValue(m_position);
     m_slide.setEndValue(static_cast<qreal>(segment));
@@ -86,6 +93,12 @@ void SegmentedControl::setCurrent(int segment) {
         m_position = segment;
         update();
     }
+}
+
+/// The chosen segment; the arrow keys reach the others.
+void SegmentedControl::keepOneTabStop() {
+    for (auto* segment : m_segments)
+        segment->setFocusPolicy(segment->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
 void SegmentedControl::paintEvent(QPaintEvent*) {

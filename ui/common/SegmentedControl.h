@@ -30,6 +30,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void keepOneTabStop();
+
     QList<QRadioButton*> m_segments;
     int m_current = 0;
     QVariantAnimation m_slide;

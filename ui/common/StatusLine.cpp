@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/common/StatusLine.h"
 
+#include "ui/common/Spoken.h"
 #include "ui/common/SymbolView.h"
 #include "ui/common/TextLabel.h"
 
@@ -10,8 +11,8 @@
 namespace nightjar {
 
 StatusLine::StatusLine(const QString& symbol, QWidget* parent)
-    : QWidget(parent),
-      m_text(new ElidedLabel(TextSize::caption, Tint::secondary)) {
+    : QWidget(parent), m_text(new ElidedLabel(TextSize::caption, Tint::secondary)) {
+    speakAs(*this, Spoken::text);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(18, 6, 16, 10);
     layout->setSpacing(8);
@@ -21,6 +22,7 @@ StatusLine::StatusLine(const QString& symbol, QWidget* parent)
 
 void StatusLine::setText(const QString& text) {
     m_text->setFullText(text);
+    setAccessibleName(text);
 }
 
 QString StatusLine::text() const {

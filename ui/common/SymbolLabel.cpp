@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/common/SymbolLabel.h"
 
+#include "ui/common/Spoken.h"
 #include "ui/common/SymbolView.h"
 #include "ui/common/TextLabel.h"
 
@@ -13,6 +14,7 @@ SymbolLabel::SymbolLabel(TextSize size, QWidget* parent)
     : QWidget(parent),
       m_symbol(new SymbolView({}, QFontMetrics(fontOf(size)).height(), Tint::text)),
       m_text(new TextLabel({}, size)) {
+    speakAs(*this, Spoken::text);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/common/UnavailableView.h"
 
+#include "ui/common/Spoken.h"
 #include "ui/common/SymbolView.h"
 #include "ui/common/TextLabel.h"
 
@@ -14,6 +15,7 @@ UnavailableView::UnavailableView(QWidget* parent)
       m_symbol(new SymbolView({}, 44, Tint::secondary)),
       m_title(new TextLabel({}, TextSize::title)),
       m_description(new TextLabel({}, TextSize::body, Tint::secondary)) {
+    speakAs(*this, Spoken::text);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(24, 24, 24, 24);
     layout->setSpacing(6);

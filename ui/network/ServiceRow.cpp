@@ -3,6 +3,7 @@
 #include "ui/network/ServiceRow.h"
 
 #include "core/network/LocalNetworkDevice.h"
+#include "ui/common/Spoken.h"
 #include "ui/common/SymbolView.h"
 #include "ui/common/TextLabel.h"
 #include "ui/text/ShownText.h"
@@ -17,6 +18,7 @@ ServiceRow::ServiceRow(const std::string& serviceType, QWidget* parent) : QWidge
     name->setFullText(shownLine(LocalNetworkDevice::readableServiceName(serviceType)));
     auto* type = new ElidedLabel(TextSize::caption, Tint::secondary);
     type->setFullText(shownLine(serviceType));
+    speakAs(*this, Spoken::text);
     setAccessibleName(name->fullText() + QStringLiteral(", ") + type->fullText());
 
     auto* texts = new QVBoxLayout;

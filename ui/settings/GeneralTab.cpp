@@ -61,6 +61,7 @@ void GeneralTab::addRadius(Card& card) {
     m_metres->setMinimumWidth(m_metres->fontMetrics().horizontalAdvance(QStringLiteral("500 m ")));
 
     auto* control = new QWidget;
+    control->setFocusProxy(m_radius);
     auto* layout = new QHBoxLayout(control);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(8);

@@ -4,6 +4,7 @@
 
 #include "ui/common/Buttons.h"
 #include "ui/common/Card.h"
+#include "ui/common/FocusHeirs.h"
 #include "ui/common/SwitchControl.h"
 #include "ui/common/TextLabel.h"
 #include "ui/map/MapSource.h"
@@ -87,11 +88,15 @@ void MapSettingsView::useFile(const std::optional<QString>& path) {
 void MapSettingsView::refresh() {
     m_streetMap->show(m_tiles.isStreetMapEnabled());
     const auto server = MapSource::serverName(m_preferences);
-    m_note->setText(QStringLiteral("Street map tiles are fetched from %1. The server can see which area you "
-                                   "look at.")
-                        .arg(breakable(shownLine(server.toStdString()))));
+    const auto note =
+        QStringLiteral("Street map tiles are fetched from %1. The server can see which area you "
+                       "look at.");
+    const QString name = shownLine(server.toStdString());
+    m_note->setText(note.arg(breakable(name)));
+    m_note->setAccessibleName(note.arg(name));
     const auto file = MapSource::localFile(m_preferences);
     m_file->setFullText(file ? shownLine(QFileInfo(*file).fileName().toStdString()) : QStringLiteral("None"));
+    const FocusHeirs heirs(*this, {m_choose});
     m_remove->setVisible(file.has_value());
     m_problem->setText(shownLine(m_failure.toStdString()));
     m_problem->setVisible(!m_failure.isEmpty());

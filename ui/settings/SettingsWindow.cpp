@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/settings/SettingsWindow.h"
 
+#include "ui/common/Spoken.h"
 #include "ui/settings/AboutTab.h"
 #include "ui/settings/GeneralTab.h"
 #include "ui/settings/RadioSettingsView.h"
@@ -16,6 +17,7 @@ namespace nightjar {
 SettingsWindow::SettingsWindow(ViewContext& context, const QString& version, QWidget* parent)
     : QWidget(parent, Qt::Window), m_model(context.model()) {
     setWindowTitle(QStringLiteral("Settings"));
+    speakAs(*this, Spoken::window);
     resize(520, 650);
     setMinimumSize(480, 360);
     auto* layout = new QVBoxLayout(this);

@@ -5,6 +5,7 @@
 #include "ui/common/Buttons.h"
 #include "ui/common/ScanningSection.h"
 #include "ui/common/SegmentedControl.h"
+#include "ui/common/Spoken.h"
 #include "ui/mesh/MeshMap.h"
 #include "ui/mesh/MeshSection.h"
 #include "ui/text/ShownText.h"
@@ -34,6 +35,7 @@ SectionToolbar::SectionToolbar(ViewContext& context, const Sections& sections, Q
       m_refresh([this] { refresh(); }) {
     setFixedHeight(51);
     setAccessibleName(QStringLiteral("Toolbar"));
+    speakAs(*this, Spoken::toolBar);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(14, 10, 14, 11);
     layout->setSpacing(8);
