@@ -5,6 +5,7 @@
 #include "ui/common/Buttons.h"
 #include "ui/common/Card.h"
 #include "ui/common/DelayPicker.h"
+#include "ui/common/FocusHeirs.h"
 #include "ui/common/InspectorPage.h"
 #include "ui/common/NameField.h"
 #include "ui/common/SwitchControl.h"
@@ -169,6 +170,8 @@ void BluetoothInspector::refresh() {
         setCurrentWidget(m_nothing);
         return;
     }
+    const FocusHeirs heirs(*m_page, {m_alert, m_track});
+    m_page->follow(device->id.text());
     m_page->header().show(QStringLiteral("dot.radiowaves.left.and.right"),
                           device->isHeard ? Tint::green : Tint::secondary, device->name(),
                           captionOf(*device));

@@ -43,7 +43,8 @@ void SidebarPage::showUnavailable(const QString& title, const QString& descripti
 }
 
 void SidebarPage::takeFocus() {
-    m_list->setFocus(Qt::OtherFocusReason);
+    // What there is to say while there is no list can be heard; when the list comes it takes over.
+    m_pages->currentWidget()->setFocus(Qt::OtherFocusReason);
 }
 
 } // namespace nightjar

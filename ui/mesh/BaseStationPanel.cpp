@@ -3,6 +3,7 @@
 #include "ui/mesh/BaseStationPanel.h"
 
 #include "ui/common/Buttons.h"
+#include "ui/common/FocusHeirs.h"
 #include "ui/common/SymbolView.h"
 #include "ui/common/TextLabel.h"
 #include "ui/mesh/MeshRows.h"
@@ -65,9 +66,9 @@ void BaseStationPanel::buildScanRow() {
     auto* row = new QWidget;
     auto* line = makeLine(row, 0, 0);
     line->addWidget(makeHeading(QStringLiteral("Available USB devices")), 1);
-    auto* scan = makeButton(QStringLiteral("Scan"), ButtonLook::flat);
-    connect(scan, &QPushButton::clicked, this, [this] { m_context.model().refreshPorts(); });
-    line->addWidget(scan);
+    m_scan = makeButton(QStringLiteral("Scan"), ButtonLook::flat);
+    connect(m_scan, &QPushButton::clicked, this, [this] { m_context.model().refreshPorts(); });
+    line->addWidget(m_scan);
     m_layout->addWidget(row);
 }
 
@@ -142,6 +143,7 @@ void BaseStationPanel::rebuildPorts(const std::vector<std::string>& ports) {
 }
 
 void BaseStationPanel::refresh() {
+    const FocusHeirs heirs(*this, {m_scan});
     const auto& model = m_context.model();
     const auto& connected = model.connectedPort();
     auto ports = model.availablePorts();

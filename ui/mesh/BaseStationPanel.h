@@ -33,6 +33,7 @@ private:
 
     ViewContext& m_context;
     QVBoxLayout* m_layout;
+    QPushButton* m_scan = nullptr;
     QWidget* m_ports = nullptr;
     QWidget* m_nothingFound = nullptr;
     TextLabel* m_note = nullptr;

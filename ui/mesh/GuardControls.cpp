@@ -5,6 +5,8 @@
 #include "core/mesh/MeshMath.h"
 #include "ui/common/Buttons.h"
 #include "ui/common/Card.h"
+#include "ui/common/FocusHeirs.h"
+#include "ui/common/Spoken.h"
 #include "ui/common/SymbolView.h"
 #include "ui/common/TextLabel.h"
 #include "ui/mesh/MeshRows.h"
@@ -49,6 +51,10 @@ GuardControls::GuardControls(ViewContext& context, QWidget* parent)
     addButtons();
 }
 
+QWidget* GuardControls::profile() const {
+    return m_profile;
+}
+
 void GuardControls::addProfile(Card& card) {
     for (const auto profile : guardProfiles) {
         const auto name = title(profile);
@@ -69,6 +75,7 @@ void GuardControls::addAlarm(Card& card) {
     layout->addWidget(m_alarmSymbol = new SymbolView({}, 16, Tint::green));
     layout->addWidget(m_alarmText = new TextLabel({}));
     m_alarm = card.addControl(QStringLiteral("Alarm"), verdict);
+    speakAs(*m_alarm, Spoken::text);
 }
 
 void GuardControls::addButtons() {
@@ -103,8 +110,10 @@ void GuardControls::refresh(const MeshNode& node) {
     m_alarmText->setText(state.isInside ? QStringLiteral("Inside marked area")
                                         : QStringLiteral("Outside marked area"));
     m_alarmText->setTint(tint);
+    m_alarm->setAccessibleName(QStringLiteral("Alarm: ") + m_alarmText->text());
     m_outOfSight->setVisible(state.isMarked && state.isOutOfSight);
 
+    const FocusHeirs heirs(*this, {m_mark, m_profile});
     m_mark->setText(state.isMarked ? QStringLiteral("Update Marked Position")
                                    : QStringLiteral("Mark Current Position"));
     m_mark->setAccessibleName(m_mark->text());

@@ -35,6 +35,8 @@ class GuardControls final : public QWidget {
 public:
     explicit GuardControls(ViewContext& context, QWidget* parent = nullptr);
     void refresh(const MeshNode& node);
+    /// Its first control.
+    [[nodiscard]] QWidget* profile() const;
 
 private:
     void addProfile(Card& card);

@@ -4,6 +4,7 @@
 
 #include "ui/common/Buttons.h"
 #include "ui/common/Card.h"
+#include "ui/common/FocusHeirs.h"
 #include "ui/common/InspectorPage.h"
 #include "ui/common/UnavailableView.h"
 #include "ui/mesh/GuardControls.h"
@@ -71,12 +72,12 @@ void MeshInspector::buildActions() {
         model.setMessageRecipient(model.selectedNodeID());
         Q_EMIT messageRequested();
     });
-    auto* guardButton = makeButton(QStringLiteral("Guard This Device"), ButtonLook::prominent);
-    connect(guardButton, &QPushButton::clicked, this, [this] {
+    m_guardButton = makeButton(QStringLiteral("Guard This Device"), ButtonLook::prominent);
+    connect(m_guardButton, &QPushButton::clicked, this, [this] {
         if (const auto selected = m_context.model().selectedNodeID())
             guard(m_context.model(), *selected);
     });
-    m_actions = m_page->addButtons({message, guardButton});
+    m_actions = m_page->addButtons({message, m_guardButton});
 }
 
 void MeshInspector::toggleMovement() {
@@ -93,14 +94,18 @@ void MeshInspector::refresh() {
     setCurrentWidget(node ? static_cast<QWidget*>(m_page) : m_nothing);
     if (!node)
         return;
+    m_page->follow(MeshRows::idOf(node->number));
     const auto role = MeshRows::roleOf(model, node->number);
     m_page->header().show(MeshRows::symbolOf(role), MeshRows::tintOf(role), MeshRows::title(*node),
                           MeshRows::identity(*node));
     refreshStatus(*node);
     refreshPosition(*node);
     const bool isGuarded = model.guardedNodeID() == node->number;
-    m_guard->setVisible(isGuarded);
-    m_actions->setVisible(!isGuarded);
+    {
+        const FocusHeirs heirs(*m_page, {m_guard->profile(), m_guardButton});
+        m_guard->setVisible(isGuarded);
+        m_actions->setVisible(!isGuarded);
+    }
     if (isGuarded)
         m_guard->refresh(*node);
 }

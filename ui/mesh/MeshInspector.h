@@ -47,6 +47,7 @@ private:
     QPushButton* m_movement = nullptr;
     GuardControls* m_guard;
     QWidget* m_actions = nullptr;
+    QPushButton* m_guardButton = nullptr;
     Coalesced m_refresh;
 };
 

@@ -4,6 +4,7 @@
 
 #include "ui/common/Buttons.h"
 #include "ui/common/DetailView.h"
+#include "ui/common/FocusHeirs.h"
 #include "ui/common/SymbolLabel.h"
 #include "ui/common/TextLabel.h"
 #include "ui/common/UnavailableView.h"
@@ -61,6 +62,7 @@ void LocalNetworkContent::showNothing() {
 
 void LocalNetworkContent::show(const LocalNetworkDevice& device) {
     const Tint tint = device.isOnline ? Tint::green : Tint::secondary;
+    const FocusHeirs heirs(*m_device, {m_tracked});
     m_device->show(kindSymbol(device), tint, shownLine(device.name));
     m_availability->setText(device.isOnline ? QStringLiteral("Available on this network")
                                             : QStringLiteral("Not currently available"));

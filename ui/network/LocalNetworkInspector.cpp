@@ -5,6 +5,7 @@
 #include "ui/common/Buttons.h"
 #include "ui/common/Card.h"
 #include "ui/common/DelayPicker.h"
+#include "ui/common/FocusHeirs.h"
 #include "ui/common/InspectorPage.h"
 #include "ui/common/SwitchControl.h"
 #include "ui/common/UnavailableView.h"
@@ -96,6 +97,8 @@ void LocalNetworkInspector::refresh() {
 }
 
 void LocalNetworkInspector::show(const LocalNetworkDevice& device) {
+    const FocusHeirs heirs(*m_page, {m_alert, m_track});
+    m_page->follow(device.id);
     m_page->header().show(kindSymbol(device), device.isOnline ? Tint::green : Tint::secondary,
                           shownLine(device.name),
                           device.isOnline ? QStringLiteral("Available now") : QStringLiteral("Seen before"));

@@ -3,8 +3,11 @@
 #include "ui/rows/SidebarList.h"
 
 #include "ui/rows/RowDelegate.h"
+#include "ui/style/Colors.h"
+#include "ui/style/NightjarStyle.h"
 
 #include <QContextMenuEvent>
+#include <QPainter>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 
@@ -73,6 +76,15 @@ void SidebarList::currentChanged(const QModelIndex& current, const QModelIndex& 
         return;
     m_selectedID = id;
     Q_EMIT selected(id);
+}
+
+/// The keyboard is seen on the selected row, or where there is none on the list.
+void SidebarList::paintEvent(QPaintEvent* event) {
+    QListView::paintEvent(event);
+    if (currentIndex().isValid() || !showsKeyboardFocus(this))
+        return;
+    QPainter painter(viewport());
+    paintFocusRing(painter, viewport()->rect(), 7, Colors::of(this));
 }
 
 void SidebarList::contextMenuEvent(QContextMenuEvent* event) {

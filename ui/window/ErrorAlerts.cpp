@@ -7,8 +7,10 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QLineEdit>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace nightjar {
@@ -17,6 +19,7 @@ namespace {
 
 constexpr qsizetype mostCharacters = 600;
 constexpr qsizetype mostLines = 12;
+constexpr std::chrono::milliseconds pauseOfTyping{1500};
 
 bool canBeSeen(const QWidget* window) {
     return window && window->isVisible() && !window->isMinimized();
@@ -40,6 +43,10 @@ ErrorAlerts::ErrorAlerts(NightjarModel& model, const QList<QWidget*>& windows, Q
     addSource(QStringLiteral("Bluetooth"), model.bluetoothTrackers());
     addSource(QStringLiteral("Local Network"), model.localNetwork());
     m_current = m_sources.size() - 1; // so that the first comes first
+    m_typing.setSingleShot(true);
+    m_typing.setInterval(pauseOfTyping);
+    connect(&m_typing, &QTimer::timeout, &m_refresh, &Coalesced::request);
+    qApp->installEventFilter(this);
 }
 
 ErrorAlerts::~ErrorAlerts() {
@@ -48,7 +55,6 @@ ErrorAlerts::~ErrorAlerts() {
 
 void ErrorAlerts::addWindow(QWidget& window) {
     m_windows.emplace_back(&window);
-    window.installEventFilter(this);
     m_refresh.request();
 }
 
@@ -61,12 +67,18 @@ void ErrorAlerts::addSource(const QString& title, Controller& controller) {
     connect(&controller, &Controller::errorMessageChanged, &m_refresh, &Coalesced::request);
 }
 
-bool ErrorAlerts::eventFilter(QObject*, QEvent* event) {
+bool ErrorAlerts::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
+    case QEvent::KeyPress:
+    case QEvent::InputMethod:
+        if (qobject_cast<QLineEdit*>(watched))
+            m_typing.start();
+        break;
     case QEvent::Show:
     case QEvent::Hide:
     case QEvent::WindowStateChange:
-        m_refresh.request();
+        if (std::ranges::find(m_windows, watched, &QPointer<QWidget>::data) != m_windows.end())
+            m_refresh.request();
         break;
     default:
         break;
@@ -107,7 +119,7 @@ void ErrorAlerts::refresh() {
 /// Who has just been seen comes last, so that one who complains without end does not hide the others.
 void ErrorAlerts::showNext() {
     QWidget* window = windowToUse();
-    if (!window)
+    if (!window || m_typing.isActive())
         return;
     for (std::size_t step = 1; step <= m_sources.size(); ++step) {
         const auto source = (m_current + step) % m_sources.size();

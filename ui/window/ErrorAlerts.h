@@ -7,6 +7,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 
 #include <cstddef>
 #include <functional>
@@ -23,7 +24,8 @@ class NightjarModel;
 [[nodiscard]] QString alertText(std::string_view error);
 
 /// Shows the errors of the three controllers until the user has seen them, one after another, over the window
-/// that is in use. An alert never takes the focus from another program. GUI thread.
+/// that is in use. An alert never takes the focus from another program, nor from somebody who is typing: the
+/// next space would dismiss it unread. GUI thread.
 class ErrorAlerts final : public QObject {
     Q_OBJECT
 public:
@@ -60,6 +62,7 @@ private:
     std::size_t m_current = 0; ///< whose error is shown, or was last
     std::string m_shownError;
     QPointer<AlertSheet> m_sheet;
+    QTimer m_typing; ///< runs until the user has paused
     Coalesced m_refresh;
 };
 

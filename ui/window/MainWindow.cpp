@@ -3,6 +3,7 @@
 #include "ui/window/MainWindow.h"
 
 #include "ui/bluetooth/BluetoothSection.h"
+#include "ui/common/Spoken.h"
 #include "ui/mesh/MeshSection.h"
 #include "ui/network/LocalNetworkSection.h"
 #include "ui/style/Colors.h"
@@ -10,6 +11,7 @@
 #include "ui/window/SectionToolbar.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QPainter>
 #include <QPixmap>
 #include <QShortcut>
@@ -17,6 +19,7 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 namespace nightjar {
@@ -41,6 +44,15 @@ private:
     QColor Colors::*m_ground;
 };
 
+void openMenuAtFocus() {
+    QWidget* focus = QApplication::focusWidget();
+    if (!focus)
+        return;
+    const QPoint middle = focus->rect().center();
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, middle, focus->mapToGlobal(middle));
+    QApplication::sendEvent(focus, &event);
+}
+
 } // namespace
 
 MainWindow::MainWindow(ViewContext& context, QWidget* parent)
@@ -52,6 +64,7 @@ MainWindow::MainWindow(ViewContext& context, QWidget* parent)
       m_mesh(new MeshSection(context)),
       m_splitter(new QSplitter(Qt::Horizontal)) {
     setWindowTitle(QStringLiteral("Halvard Nightjar"));
+    speakAs(*this, Spoken::window);
     setMinimumSize(1080, 680);
     resize(1320, 820);
     for (Section* section : {static_cast<Section*>(m_bluetooth), static_cast<Section*>(m_localNetwork),
@@ -93,18 +106,53 @@ void MainWindow::buildColumns() {
         m_columns[2]->addWidget(shown.inspector());
     }
     m_splitter->setSizes(widths);
+    // A splitter puts the newest child first: for a screen reader the columns would be read backwards.
+    for (auto* column : m_columns)
+        column->raise();
+    for (int place = 1; place < m_splitter->count(); ++place)
+        m_splitter->handle(place)->raise();
 }
 
 void MainWindow::addShortcuts() {
     const auto add = [this](const QKeySequence& keys, auto action) {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, action);
     };
-    add(Qt::CTRL | Qt::Key_1, [this] { setNetwork(NetworkSection::bluetooth); });
-    add(Qt::CTRL | Qt::Key_2, [this] { setNetwork(NetworkSection::localNetwork); });
-    add(Qt::CTRL | Qt::Key_3, [this] { setNetwork(NetworkSection::meshtastic); });
+    add(Qt::CTRL | Qt::Key_1, [this] { goTo(NetworkSection::bluetooth); });
+    add(Qt::CTRL | Qt::Key_2, [this] { goTo(NetworkSection::localNetwork); });
+    add(Qt::CTRL | Qt::Key_3, [this] { goTo(NetworkSection::meshtastic); });
     add(Qt::Key_F5, [this] { m_toolbar->scanOrReconnect(); });
     add(Qt::CTRL | Qt::Key_Comma, [this] { Q_EMIT m_context.settingsRequested(); });
     add(Qt::CTRL | Qt::Key_Q, [this] { close(); });
+    add(Qt::SHIFT | Qt::Key_F10, openMenuAtFocus); // not every keyboard has the menu key
+}
+
+void MainWindow::goTo(NetworkSection network) {
+    setNetwork(network);
+    section(network).takeFocus();
+}
+
+/// The toolbar, then column after column, in whatever order their parts were made.
+bool MainWindow::focusNextPrevChild(bool next) {
+    const auto areaOf = [this](const QWidget* widget) {
+        if (m_toolbar->isAncestorOf(widget))
+            return std::ptrdiff_t{-1};
+        const auto has = [widget](const QWidget* column) { return column->isAncestorOf(widget); };
+        return std::ranges::find_if(m_columns, has) - m_columns.begin();
+    };
+    QList<QWidget*> stops;
+    QWidget* now = focusWidget();
+    for (QWidget* it = nextInFocusChain(); it != this; it = it->nextInFocusChain()) {
+        const bool isStop = (it->focusPolicy() & Qt::TabFocus) == Qt::TabFocus && !it->focusProxy();
+        if (it == now || (isStop && it->window() == this && it->isEnabled() && it->isVisible()))
+            stops << it;
+    }
+    if (stops.isEmpty())
+        return false;
+    std::ranges::stable_sort(stops, {}, areaOf);
+    const auto place = stops.indexOf(now);
+    const auto step = next ? place + 1 : place < 0 ? stops.size() - 1 : place - 1 + stops.size();
+    stops[step % stops.size()]->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
 }
 
 Section& MainWindow::section(NetworkSection network) const {

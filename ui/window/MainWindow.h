@@ -38,11 +38,13 @@ Q_SIGNALS:
 protected:
     void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     void buildColumns();
     void addShortcuts();
+    void goTo(NetworkSection network);
     void showColumns();
     [[nodiscard]] Section& section(NetworkSection network) const;
 
