@@ -18,8 +18,8 @@ namespace nightjar {
 AlertSheet::AlertSheet(const QString& title, const QString& text, const QStringList& buttons, QWidget* parent)
     : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint), m_label(new TextLabel({})) {
     setWindowTitle(title);
-    setAccessibleName(title);
     speakAs(*this, Spoken::alertWindow);
+    setAccessibleName(title);
     setAttribute(Qt::WA_DeleteOnClose);
 
     auto* layout = new QVBoxLayout(this);

@@ -77,9 +77,9 @@ void MetricRow::setValue(const QString& value) {
 
 Card::Card(const QString& title, QWidget* parent)
     : QWidget(parent), m_body(new Ground), m_rows(new QVBoxLayout(m_body)) {
-    setAccessibleName(title);
     if (!title.isEmpty())
         speakAs(*this, Spoken::group);
+    setAccessibleName(title);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);

@@ -72,6 +72,11 @@ void InspectorPage::follow(const std::string& id) {
         m_header->setFocus(Qt::OtherFocusReason);
 }
 
+InspectorPage::~InspectorPage() {
+    // What has the keyboard gives it up when it goes, and it goes later.
+    qApp->disconnect(this);
+}
+
 Card* InspectorPage::addCard(const QString& title) {
     auto* card = new Card(title);
     addWidget(card);

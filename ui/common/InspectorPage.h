@@ -35,6 +35,7 @@ class InspectorPage final : public QScrollArea {
     Q_OBJECT
 public:
     explicit InspectorPage(QWidget* parent = nullptr);
+    ~InspectorPage() override;
     [[nodiscard]] InspectorHeader& header() const { return *m_header; }
     Card* addCard(const QString& title);
     void addWidget(QWidget* widget);

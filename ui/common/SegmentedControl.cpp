@@ -46,8 +46,8 @@ SegmentedControl::SegmentedControl(const QString& accessibleName, const QStringL
                                    QWidget* parent)
     : QWidget(parent) {
     setFixedSize(width, 30);
-    setAccessibleName(accessibleName);
     speakAs(*this, Spoken::group);
+    setAccessibleName(accessibleName);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->setSpacing(0);

@@ -10,7 +10,7 @@ namespace nightjar {
 /// widget say all, and what it is made of is not found any more.
 enum class Spoken { text, heading, banner, group, toolBar, window, alertWindow };
 
-/// In the constructor of the widget: what was asked about earlier keeps its role.
+/// First thing in the constructor, before the widget is given a name: what was asked about keeps its role.
 void speakAs(QWidget& widget, Spoken role);
 
 } // namespace nightjar

@@ -34,8 +34,8 @@ SectionToolbar::SectionToolbar(ViewContext& context, const Sections& sections, Q
       m_scan(makeButton(QStringLiteral("Scan"))),
       m_refresh([this] { refresh(); }) {
     setFixedHeight(51);
-    setAccessibleName(QStringLiteral("Toolbar"));
     speakAs(*this, Spoken::toolBar);
+    setAccessibleName(QStringLiteral("Toolbar"));
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(14, 10, 14, 11);
     layout->setSpacing(8);
