@@ -22,9 +22,14 @@ bool isLineBreak(QChar c) {
     return c == u'\n' || c == u'\r' || c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
 }
 
+/// A name with one of these would make the rest of its line read backwards.
+bool turnsDirection(QChar c) {
+    return (c >= QChar(0x202A) && c <= QChar(0x202E)) || (c >= QChar(0x2066) && c <= QChar(0x2069));
+}
+
 /// Markup readers refuse a text with a control character as a whole, and the bus refuses NUL.
 bool isUnprintable(QChar c) {
-    return c.category() == QChar::Other_Control && c != u'\t' && !isLineBreak(c);
+    return turnsDirection(c) || (c.category() == QChar::Other_Control && c != u'\t' && !isLineBreak(c));
 }
 
 } // namespace

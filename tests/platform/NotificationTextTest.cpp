@@ -23,6 +23,7 @@ TEST(NotificationText, hostileTextBecomesHarmless) {
         {"\x1b[31mred\x7f\u0085", "\uFFFD[31mred\uFFFD\uFFFD", "\uFFFD[31mred\uFFFD\uFFFD"},
         {"\xff\xed\xa0\x80", "\uFFFD\uFFFD\uFFFD\uFFFD", "\uFFFD\uFFFD\uFFFD\uFFFD"},
         {"a\r\nb\rc\nd\te\u2028f", "a b c d e f", "a\nb\nc\nd\te\nf"},
+        {"key\u202egnol\u2069", "key\uFFFDgnol\uFFFD", "key\uFFFDgnol\uFFFD"},
         {"", "", ""},
     };
     for (const auto& [text, title, body] : cases) {
