@@ -19,9 +19,6 @@ BluetoothSection::BluetoothSection(ViewContext& context)
     const auto& manager = context.bluetoothTrackers();
     connect(&manager, &M::trackedDevicesChanged, &m_trackedDevicesChanged, &Coalesced::request);
     connect(&manager, &M::isScanningChanged, this, &ScanningSection::scanTitleChanged);
-    m_sidebar = new BluetoothSidebar(context, m_selection);
-    m_content = new BluetoothContent(context, m_selection);
-    m_inspector = new BluetoothInspector(context, m_selection);
 }
 
 BluetoothSection::~BluetoothSection() {
@@ -31,15 +28,25 @@ BluetoothSection::~BluetoothSection() {
 }
 
 QWidget* BluetoothSection::sidebar() {
+    if (!m_sidebar)
+        m_sidebar = new BluetoothSidebar(m_context, m_selection);
     return m_sidebar;
 }
 
 QWidget* BluetoothSection::content() {
+    if (!m_content)
+        m_content = new BluetoothContent(m_context, m_selection);
     return m_content;
 }
 
-MapView& BluetoothSection::map() const {
-    return m_content->map().map();
+QWidget* BluetoothSection::inspector() {
+    if (!m_inspector)
+        m_inspector = new BluetoothInspector(m_context, m_selection);
+    return m_inspector;
+}
+
+MapView& BluetoothSection::map() {
+    return static_cast<BluetoothContent*>(content())->map().map();
 }
 
 void BluetoothSection::activate() {

@@ -29,7 +29,7 @@ public:
 
     [[nodiscard]] QWidget* sidebar() override;
     [[nodiscard]] QWidget* content() override;
-    [[nodiscard]] QWidget* inspector() override { return m_inspector; }
+    [[nodiscard]] QWidget* inspector() override;
     void activate() override;
     void deactivate() override;
     void takeFocus() override;
@@ -38,7 +38,7 @@ public:
 
     [[nodiscard]] Selection& selection() { return m_selection; }
     /// Where a tracked device was last heard.
-    [[nodiscard]] MapView& map() const;
+    [[nodiscard]] MapView& map();
 
 private:
     void trackedDevicesChanged();

@@ -9,7 +9,8 @@ class QWidget;
 namespace nightjar {
 
 /// One of the three watches as the main window shows it: what stands in each of its columns, and what happens
-/// when the user enters and leaves it. The window takes the widgets over.
+/// when the user enters and leaves it. The widgets are made when they are first asked for, and the window
+/// takes them over.
 class Section : public QObject {
     Q_OBJECT
 public:

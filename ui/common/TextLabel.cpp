@@ -26,6 +26,15 @@ void TextLabel::setTint(Tint tint) {
     applyTint();
 }
 
+/// Layouts ask again and again; a label would wrap its text anew each time.
+int TextLabel::heightForWidth(int width) const {
+    auto& [text, font, margins, byWidth] = m_heights;
+    if (text != this->text() || font != this->font() || margins != contentsMargins())
+        m_heights = {this->text(), this->font(), contentsMargins(), {}};
+    const auto known = byWidth.constFind(width);
+    return known != byWidth.cend() ? *known : *byWidth.insert(width, QLabel::heightForWidth(width));
+}
+
 void TextLabel::applyTint() {
     const QColor color = Colors::of(this).tint(m_tint);
     if (palette().color(QPalette::Active, QPalette::WindowText) == color)

@@ -5,6 +5,7 @@
 #include "ui/style/Colors.h"
 #include "ui/style/Fonts.h"
 
+#include <QHash>
 #include <QLabel>
 
 namespace nightjar {
@@ -16,13 +17,23 @@ public:
     explicit TextLabel(const QString& text, TextSize size = TextSize::body, Tint tint = Tint::text,
                        QWidget* parent = nullptr);
     void setTint(Tint tint);
+    [[nodiscard]] int heightForWidth(int width) const override;
 
 protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    /// What has been measured, and of what.
+    struct Heights {
+        QString text;
+        QFont font;
+        QMargins margins;
+        QHash<int, int> byWidth;
+    };
+
     void applyTint();
     Tint m_tint;
+    mutable Heights m_heights;
 };
 
 /// One line of plain text that is cut short where it does not fit; the tool tip has the whole.

@@ -181,7 +181,8 @@ std::vector<TilePiece> MapTiles::builtIn(const TileKey& key, const TileLook& loo
     TileCache& cache = drawnIn(look);
     if (!cache.contains(key)) {
         m_drawing.want(key);
-        drawNext(look);
+        m_wantedLook = look;
+        m_draw.request();
     }
     return piecesFrom(cache, key);
 }

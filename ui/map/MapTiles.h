@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "ui/common/Coalesced.h"
 #include "ui/map/BuiltInMap.h"
 #include "ui/map/StreetTiles.h"
 #include "ui/map/TileCache.h"
@@ -105,6 +106,8 @@ private:
     MapTileSettings m_settings;
     std::shared_ptr<const BuiltInMap> m_builtInMap = std::make_shared<BuiltInMap>();
     TileQueue m_drawing{2};
+    TileLook m_wantedLook;
+    Coalesced m_draw{[this] { drawNext(m_wantedLook); }}; ///< once the frame that wants tiles is on screen
     std::array<TileCache, 2> m_drawn{TileCache(5 << 20), TileCache(5 << 20)}; ///< one per density
     bool m_isDark = false;                                                    ///< what all caches hold
     std::unique_ptr<StreetTiles> m_streets;

@@ -12,50 +12,73 @@
 
 namespace nightjar {
 
-MeshSection::MeshSection(ViewContext& context)
-    : m_trail(context.model()),
-      m_sidebar(new MeshSidebar(context)),
-      m_content(new QStackedWidget),
-      m_map(new MeshMap(context, m_trail)),
-      m_messages(new MessagesView(context)),
-      m_inspector(new MeshInspector(context, m_trail)) {
-    m_content->addWidget(m_map);
-    m_content->addWidget(m_messages);
-    connect(m_sidebar, &MeshSidebar::messageRequested, this, &MeshSection::writeMessage);
-    connect(m_map, &MeshMap::messageRequested, this, &MeshSection::writeMessage);
-    connect(m_inspector, &MeshInspector::messageRequested, this, &MeshSection::writeMessage);
-}
+MeshSection::MeshSection(ViewContext& context) : m_context(context), m_trail(context.model()) {}
 
 QWidget* MeshSection::sidebar() {
+    if (!m_sidebar) {
+        m_sidebar = new MeshSidebar(m_context);
+        connect(m_sidebar, &MeshSidebar::messageRequested, this, &MeshSection::writeMessage);
+    }
     return m_sidebar;
 }
 
 QWidget* MeshSection::content() {
+    if (!m_content) {
+        m_content = new QStackedWidget;
+        showContent();
+    }
     return m_content;
 }
 
 QWidget* MeshSection::inspector() {
+    if (!m_inspector) {
+        m_inspector = new MeshInspector(m_context, m_trail);
+        connect(m_inspector, &MeshInspector::messageRequested, this, &MeshSection::writeMessage);
+    }
     return m_inspector;
 }
 
-void MeshSection::takeFocus() {
-    m_sidebar->list().setFocus(Qt::OtherFocusReason);
+MeshMap& MeshSection::map() {
+    if (!m_map) {
+        m_map = new MeshMap(m_context, m_trail, content());
+        connect(m_map, &MeshMap::messageRequested, this, &MeshSection::writeMessage);
+        m_content->addWidget(m_map);
+    }
+    return *m_map;
 }
 
-MeshtasticSection MeshSection::meshtasticSection() const {
-    return static_cast<MeshtasticSection>(m_content->currentIndex());
+MessagesView& MeshSection::messages() {
+    if (!m_messages) {
+        m_messages = new MessagesView(m_context, content());
+        m_content->addWidget(m_messages);
+    }
+    return *m_messages;
+}
+
+void MeshSection::takeFocus() {
+    if (m_sidebar)
+        m_sidebar->list().setFocus(Qt::OtherFocusReason);
 }
 
 void MeshSection::setMeshtasticSection(MeshtasticSection section) {
-    if (section == meshtasticSection())
+    if (section == m_meshtasticSection)
         return;
-    m_content->setCurrentIndex(static_cast<int>(section));
+    m_meshtasticSection = section;
+    if (m_content)
+        showContent();
     Q_EMIT meshtasticSectionChanged();
+}
+
+void MeshSection::showContent() {
+    if (m_meshtasticSection == MeshtasticSection::map)
+        m_content->setCurrentWidget(&map());
+    else
+        m_content->setCurrentWidget(&messages());
 }
 
 void MeshSection::writeMessage() {
     setMeshtasticSection(MeshtasticSection::messages);
-    m_messages->takeFocus();
+    messages().takeFocus();
 }
 
 } // namespace nightjar

@@ -6,6 +6,8 @@
 #include "ui/common/ViewContext.h"
 #include "ui/mesh/MovementTrail.h"
 
+#include <QPointer>
+
 class QStackedWidget;
 
 namespace nightjar {
@@ -32,22 +34,26 @@ public:
     void deactivate() override {}
     void takeFocus() override;
 
-    [[nodiscard]] MeshtasticSection meshtasticSection() const;
+    [[nodiscard]] MeshtasticSection meshtasticSection() const { return m_meshtasticSection; }
     void setMeshtasticSection(MeshtasticSection section);
-    [[nodiscard]] MeshMap& map() const { return *m_map; }
+    [[nodiscard]] MeshMap& map();
 
 Q_SIGNALS:
     void meshtasticSectionChanged();
 
 private:
     void writeMessage();
+    [[nodiscard]] MessagesView& messages();
+    void showContent();
 
+    ViewContext& m_context;
     MovementTrail m_trail;
-    MeshSidebar* m_sidebar;
-    QStackedWidget* m_content;
-    MeshMap* m_map;
-    MessagesView* m_messages;
-    MeshInspector* m_inspector;
+    MeshtasticSection m_meshtasticSection = MeshtasticSection::map;
+    QPointer<MeshSidebar> m_sidebar;
+    QPointer<QStackedWidget> m_content;
+    QPointer<MeshMap> m_map;
+    QPointer<MessagesView> m_messages;
+    QPointer<MeshInspector> m_inspector;
 };
 
 } // namespace nightjar

@@ -17,9 +17,6 @@ LocalNetworkSection::LocalNetworkSection(ViewContext& context)
     const auto& browser = context.localNetwork();
     connect(&browser, &LocalNetworkBrowser::devicesChanged, &m_devicesChanged, &Coalesced::request);
     connect(&browser, &LocalNetworkBrowser::isScanningChanged, this, &ScanningSection::scanTitleChanged);
-    m_sidebar = new LocalNetworkSidebar(context, m_selection);
-    m_content = new LocalNetworkContent(context, m_selection);
-    m_inspector = new LocalNetworkInspector(context, m_selection);
 }
 
 LocalNetworkSection::~LocalNetworkSection() {
@@ -29,7 +26,21 @@ LocalNetworkSection::~LocalNetworkSection() {
 }
 
 QWidget* LocalNetworkSection::sidebar() {
+    if (!m_sidebar)
+        m_sidebar = new LocalNetworkSidebar(m_context, m_selection);
     return m_sidebar;
+}
+
+QWidget* LocalNetworkSection::content() {
+    if (!m_content)
+        m_content = new LocalNetworkContent(m_context, m_selection);
+    return m_content;
+}
+
+QWidget* LocalNetworkSection::inspector() {
+    if (!m_inspector)
+        m_inspector = new LocalNetworkInspector(m_context, m_selection);
+    return m_inspector;
 }
 
 void LocalNetworkSection::activate() {

@@ -26,8 +26,8 @@ public:
     ~LocalNetworkSection() override;
 
     [[nodiscard]] QWidget* sidebar() override;
-    [[nodiscard]] QWidget* content() override { return m_content; }
-    [[nodiscard]] QWidget* inspector() override { return m_inspector; }
+    [[nodiscard]] QWidget* content() override;
+    [[nodiscard]] QWidget* inspector() override;
     void activate() override;
     void deactivate() override;
     void takeFocus() override;

@@ -32,16 +32,23 @@ struct ColumnWidth {
 constexpr std::array<ColumnWidth, 3> columnWidths{
     {{240, 280, 340}, {480, 760, QWIDGETSIZE_MAX}, {280, 320, 380}}};
 
-/// A column on its own ground.
+/// A column on its own ground. What it shows has no say in its size: asking all of it would take longer than
+/// everything else at the start.
 class Column final : public QStackedWidget {
 public:
-    explicit Column(QColor Colors::*ground) : m_ground(ground) {}
+    Column(QColor Colors::*ground, const ColumnWidth& width) : m_ground(ground), m_width(width) {
+        setMinimumWidth(width.minimum);
+        setMaximumWidth(width.maximum);
+    }
+    [[nodiscard]] QSize sizeHint() const override { return {m_width.ideal, 0}; }
+    [[nodiscard]] QSize minimumSizeHint() const override { return {m_width.minimum, 0}; }
 
 protected:
     void paintEvent(QPaintEvent*) override { QPainter(this).fillRect(rect(), Colors::of(this).*m_ground); }
 
 private:
     QColor Colors::*m_ground;
+    const ColumnWidth& m_width;
 };
 
 void openMenuAtFocus() {
@@ -88,22 +95,14 @@ MainWindow::~MainWindow() = default;
 
 void MainWindow::buildColumns() {
     m_splitter->setChildrenCollapsible(false);
-    m_columns = {new Column(&Colors::sidebar), new Column(&Colors::content), new Column(&Colors::window)};
+    m_columns = {new Column(&Colors::sidebar, columnWidths[0]), new Column(&Colors::content, columnWidths[1]),
+                 new Column(&Colors::window, columnWidths[2])};
     QList<int> widths;
     for (std::size_t place = 0; place < m_columns.size(); ++place) {
         auto* column = m_columns[place];
-        column->setMinimumWidth(columnWidths[place].minimum);
-        column->setMaximumWidth(columnWidths[place].maximum);
         m_splitter->addWidget(column);
         m_splitter->setStretchFactor(static_cast<int>(place), place == 1 ? 1 : 0);
         widths << columnWidths[place].ideal;
-    }
-    for (const auto network :
-         {NetworkSection::bluetooth, NetworkSection::localNetwork, NetworkSection::meshtastic}) {
-        auto& shown = section(network);
-        m_columns[0]->addWidget(shown.sidebar());
-        m_columns[1]->addWidget(shown.content());
-        m_columns[2]->addWidget(shown.inspector());
     }
     m_splitter->setSizes(widths);
     // A splitter puts the newest child first: for a screen reader the columns would be read backwards.
@@ -184,8 +183,14 @@ void MainWindow::setNetwork(NetworkSection network) {
 }
 
 void MainWindow::showColumns() {
-    for (auto* column : m_columns)
-        column->setCurrentIndex(static_cast<int>(m_network));
+    auto& shown = section(m_network);
+    const std::array pages{shown.sidebar(), shown.content(), shown.inspector()};
+    for (std::size_t place = 0; place < pages.size(); ++place) {
+        auto* column = m_columns[place];
+        if (column->indexOf(pages[place]) < 0)
+            column->addWidget(pages[place]);
+        column->setCurrentWidget(pages[place]);
+    }
 }
 
 void MainWindow::showEvent(QShowEvent* event) {
