@@ -5,6 +5,7 @@
 #include "ui/bluetooth/FinderReading.h"
 #include "ui/common/Buttons.h"
 #include "ui/common/Card.h"
+#include "ui/common/Spoken.h"
 #include "ui/common/SwitchControl.h"
 #include "ui/common/SymbolLabel.h"
 #include "ui/common/SymbolView.h"
@@ -33,6 +34,7 @@ BluetoothFinderDetail::BluetoothFinderDetail(ViewContext& context, QWidget* pare
       m_sound(new SwitchControl(QStringLiteral("Sound guidance"))),
       m_stop(makeButton(QStringLiteral("Stop Finding"), ButtonLook::large)),
       m_settings(makeButton(QStringLiteral("Open Tracker Settings"))) {
+    speakAs(*this, Spoken::group);
     layOut();
     auto& manager = context.bluetoothTrackers();
     connect(m_sound, &QCheckBox::clicked, this,

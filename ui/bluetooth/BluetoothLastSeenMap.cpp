@@ -3,6 +3,7 @@
 #include "ui/bluetooth/BluetoothLastSeenMap.h"
 
 #include "ui/bluetooth/BluetoothRows.h"
+#include "ui/common/Spoken.h"
 #include "ui/common/SymbolLabel.h"
 #include "ui/common/TextLabel.h"
 #include "ui/text/ShownText.h"
@@ -48,6 +49,7 @@ BluetoothLastSeenMap::BluetoothLastSeenMap(ViewContext& context, QWidget* parent
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_map);
 
+    speakAs(*m_caption, Spoken::text);
     m_caption->setAttribute(Qt::WA_TransparentForMouseEvents);
     auto* lines = new QVBoxLayout(m_caption);
     lines->setContentsMargins(14, 10, 16, 11);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/window/NotificationBanners.h"
 
+#include "ui/common/Spoken.h"
 #include "ui/common/SymbolView.h"
 #include "ui/common/TextLabel.h"
 #include "ui/text/ShownText.h"
@@ -27,6 +28,7 @@ class Banner final : public QWidget {
 public:
     Banner(const Notification& notification, Scheduler& scheduler)
         : m_isAlarm(notification.sound == NotificationSound::critical) {
+        speakAs(*this, Spoken::banner);
         auto* layout = new QHBoxLayout(this);
         layout->setContentsMargins(14, 12, 14, 12);
         layout->setSpacing(12);
