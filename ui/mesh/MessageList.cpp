@@ -56,10 +56,12 @@ struct BubbleLayout {
     QRect ground, text, time, sender;
 };
 
-constexpr int textFlags = Qt::TextWrapAnywhere | Qt::TextWordWrap | Qt::AlignLeft;
+constexpr int textFlags = Qt::TextWordWrap | Qt::AlignLeft; // of a text made breakable
 
 QSize measured(const QString& text, int width) {
-    return QFontMetrics(fontOf(TextSize::body)).boundingRect(0, 0, width, 1'000'000, textFlags, text).size() +
+    return QFontMetrics(fontOf(TextSize::body))
+               .boundingRect(0, 0, width, 1'000'000, textFlags, breakable(text))
+               .size() +
            QSize(1, 0);
 }
 
@@ -84,7 +86,7 @@ void BubbleDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option
     painter->drawRoundedRect(layout.ground, 14, 14);
     painter->setPen(bubble.isOutgoing ? colors.onAccent : colors.text);
     painter->setFont(fontOf(TextSize::body));
-    painter->drawText(layout.text, textFlags, bubble.text);
+    painter->drawText(layout.text, textFlags, breakable(bubble.text));
     painter->setPen(bubble.isOutgoing ? withAlpha(colors.onAccent, 215) : colors.secondary);
     painter->setFont(layout.caption);
     painter->drawText(

@@ -24,6 +24,9 @@ namespace nightjar {
 
 namespace {
 
+constexpr int narrowestPicker = 84;
+constexpr int widestPicker = 190;
+
 /// Shows the choices and the current one. A list that is open stays as it is.
 template <class Value>
 void showChoices(QComboBox& picker, std::vector<std::pair<QString, Value>>& shown,
@@ -91,7 +94,8 @@ void MessagesView::addPicker(QHBoxLayout& head, const QString& label, QComboBox&
     text->setBuddy(&picker);
     picker.setAccessibleName(label);
     picker.setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    picker.setMaximumWidth(190);
+    picker.setMinimumWidth(narrowestPicker); // its text is cut short before the title is
+    picker.setMaximumWidth(widestPicker);
     head.addWidget(text);
     head.addWidget(&picker);
 }

@@ -14,6 +14,7 @@
 #include <QContextMenuEvent>
 #include <QPainter>
 #include <QPixmap>
+#include <QScreen>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -73,7 +74,7 @@ MainWindow::MainWindow(ViewContext& context, QWidget* parent)
     setWindowTitle(QStringLiteral("Halvard Nightjar"));
     speakAs(*this, Spoken::window);
     setMinimumSize(1080, 680);
-    resize(1320, 820);
+    resize(QSize(1320, 820).boundedTo(screen()->availableSize()));
     for (Section* section : {static_cast<Section*>(m_bluetooth), static_cast<Section*>(m_localNetwork),
                              static_cast<Section*>(m_mesh)})
         section->setParent(this);
