@@ -128,7 +128,7 @@ void MainWindow::addShortcuts() {
 
 void MainWindow::goTo(NetworkSection network) {
     setNetwork(network);
-    section(network).takeFocus();
+    section(m_network).takeFocus();
 }
 
 /// The toolbar, then column after column, in whatever order their parts were made.
@@ -178,9 +178,14 @@ void MainWindow::setNetwork(NetworkSection network) {
     if (m_hasAppeared)
         section(former).deactivate();
     showColumns();
+    // Who is told of the end of a watch may choose another section: only what is on screen is watched.
+    if (m_network != network)
+        return;
     fadeAway(picture, content);
     if (m_hasAppeared)
         section(network).activate();
+    if (m_network != network)
+        section(network).deactivate();
 }
 
 void MainWindow::showColumns() {

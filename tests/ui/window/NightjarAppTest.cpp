@@ -65,6 +65,30 @@ protected:
     std::unique_ptr<NightjarApp> app;
 };
 
+TEST_F(NightjarAppTest, aSectionChosenWhileAnotherOpensLeavesNoWatchBehind) {
+    start();
+    auto& bluetooth = app->model().bluetoothTrackers();
+    auto& network = app->model().localNetwork();
+    const auto choose = [this](NetworkSection section) {
+        return [=, this] { window().setNetwork(section); };
+    };
+    QObject::connect(&network, &LocalNetworkBrowser::isScanningChanged, &window(),
+                     choose(NetworkSection::meshtastic), Qt::SingleShotConnection);
+    window().setNetwork(NetworkSection::localNetwork);
+    ui::settle();
+    EXPECT_EQ(window().network(), NetworkSection::meshtastic);
+    EXPECT_FALSE(network.isScanning());
+
+    window().setNetwork(NetworkSection::bluetooth);
+    QObject::connect(&bluetooth, &BluetoothTrackerManager::isScanningChanged, &window(),
+                     choose(NetworkSection::meshtastic), Qt::SingleShotConnection);
+    window().setNetwork(NetworkSection::localNetwork);
+    ui::settle();
+    EXPECT_EQ(window().network(), NetworkSection::meshtastic);
+    EXPECT_FALSE(bluetooth.isScanning());
+    EXPECT_FALSE(network.isScanning());
+}
+
 TEST_F(NightjarAppTest, watchesRunWhileTheirSectionIsOnScreen) {
     start();
     auto& bluetooth = app->model().bluetoothTrackers();
