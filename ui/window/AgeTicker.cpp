@@ -3,6 +3,7 @@
 #include "ui/window/AgeTicker.h"
 
 #include <QEvent>
+#include <QWindow>
 
 #include <algorithm>
 #include <chrono>
@@ -14,8 +15,10 @@ namespace {
 /// Most ages are told in minutes.
 constexpr std::chrono::seconds interval{10};
 
+/// Not on another desktop either.
 bool canBeSeen(const QPointer<QWidget>& window) {
-    return window && window->isVisible() && !window->isMinimized();
+    return window && window->isVisible() && !window->isMinimized() && window->windowHandle() &&
+           window->windowHandle()->isExposed();
 }
 
 } // namespace
@@ -29,7 +32,12 @@ void AgeTicker::follow(QWidget& window) {
 bool AgeTicker::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
     case QEvent::Show:
+        if (auto* window = qobject_cast<QWidget*>(watched); window && window->windowHandle())
+            window->windowHandle()->installEventFilter(this);
+        update();
+        break;
     case QEvent::Hide:
+    case QEvent::Expose:
     case QEvent::WindowStateChange:
         update();
         break;
