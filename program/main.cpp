@@ -23,6 +23,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <sysexits.h>
 #include <unistd.h>
 
@@ -42,6 +43,15 @@ void openClosedStandardStreams() {
             ::close(descriptor);
         return;
     }
+}
+
+/// Pictures of the window's size come and go. From the heap their room would not go back to the system as
+/// long as anything small lies behind it.
+void giveLargeBlocksBack() {
+#ifdef M_MMAP_THRESHOLD
+    constexpr int largeBlock = 128 * 1024;
+    ::mallopt(M_MMAP_THRESHOLD, largeBlock);
+#endif
 }
 
 int run(HeadlessProgram& program) {
@@ -154,6 +164,7 @@ int runProgram(const CommandLine& commandLine) {
 int main(int argc, char** argv) {
     using namespace nightjar;
     openClosedStandardStreams();
+    giveLargeBlocksBack();
     std::signal(SIGPIPE, SIG_IGN);
 
     const std::vector<std::string_view> arguments(argv + std::min(argc, 1), argv + argc);
