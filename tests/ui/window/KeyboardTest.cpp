@@ -13,7 +13,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <memory>
+#include <vector>
 
 namespace nightjar {
 namespace {
@@ -116,6 +118,38 @@ TEST_F(KeyboardTest, goesFromColumnToColumnWhateverWasMadeFirst) {
     EXPECT_EQ(order.join(QStringLiteral(", ")).toStdString(),
               "Mesh nodes, Bicycle, Primary, Message, Send message, Message, Guard This Device, Meshtastic, "
               "Messages, Reconnect Meshtastic USB base, Settings, Scan, Disconnect");
+}
+
+/// What a screen reader finds on screen, depth first: "role name".
+void collect(QAccessibleInterface& node, QStringList& found) {
+    if (node.state().invisible)
+        return;
+    const QString name = node.text(QAccessible::Name);
+    if (!name.isEmpty())
+        found << QStringLiteral("%1 %2").arg(QString::number(node.role(), 16), name);
+    EXPECT_FALSE(node.text(QAccessible::Description).contains(u'<')) << name.toStdString();
+    for (int child = 0; child < node.childCount(); ++child)
+        collect(*node.child(child), found);
+}
+
+TEST_F(KeyboardTest, tellsEverythingOnceAndInReadingOrder) {
+    model().setSelectedNodeID(42);
+    settle();
+    QStringList found;
+    collect(*QAccessible::queryAccessibleInterface(&window()), found);
+    const auto placeOf = [&found](QAccessible::Role role, const char* name) {
+        return found.indexOf(QStringLiteral("%1 %2").arg(QString::number(role, 16), QLatin1String(name)));
+    };
+
+    const auto group = placeOf(QAccessible::Grouping, "Network");
+    const auto list = placeOf(QAccessible::List, "Mesh nodes");
+    const auto map = placeOf(QAccessible::List, "Map");
+    const auto header = placeOf(QAccessible::Heading, "Bicycle");
+    const auto row = placeOf(QAccessible::StaticText, "Connection: Directly heard");
+    const std::vector places{group, list, map, header, row};
+    EXPECT_GE(group, 0);
+    EXPECT_TRUE(std::ranges::is_sorted(places)) << found.join(u'\n').toStdString();
+    EXPECT_EQ(found.filter(QStringLiteral("Power")).size(), 1) << found.join(u'\n').toStdString();
 }
 
 TEST_F(KeyboardTest, forgetsOneDeviceAtATime) {
