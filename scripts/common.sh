@@ -8,7 +8,7 @@ build_packages="g++ cmake ninja-build libsimdjson-dev libicu-dev libcanberra-dev
 command -v npm >/dev/null 2>&1 || build_packages="$build_packages npm"
 test_packages="libgtest-dev libgmock-dev dbus modemmanager python3 avahi-daemon iproute2 nftables"
 tour_packages="xvfb openbox xdotool x11-utils imagemagick fonts-inter fonts-noto-color-emoji"
-bench_packages="libbenchmark-dev dbus avahi-daemon iproute2"
+bench_packages="libbenchmark-dev dbus avahi-daemon iproute2 xvfb xauth"
 
 # Ends with one sentence.
 fail() {
