@@ -60,6 +60,19 @@ protected:
     PrivateHome home;
 };
 
+TEST_F(HeadlessProgramTest, goesOnWhereTheScreenDoesNotAnswer) {
+    const QByteArray screen = qgetenv("DISPLAY");
+    qputenv("DISPLAY", ":9999");
+    RunningProgram program(home, {});
+    screen.isNull() ? qunsetenv("DISPLAY") : qputenv("DISPLAY", screen);
+
+    EXPECT_NE(program.lineWith("Choose a USB radio in Settings"), "");
+    EXPECT_THAT(program.standardError(),
+                HasSubstr("The screen does not answer; going on as with --headless.\n"));
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.exitStatus(), 0);
+}
+
 TEST_F(HeadlessProgramTest, isDrivenThroughAWholeDayAndKeepsWhatItLearnt) {
     {
         RunningProgram program(home, jsonLines);
