@@ -5,10 +5,10 @@
 #include "ui/bluetooth/BluetoothRows.h"
 #include "ui/common/Spoken.h"
 #include "ui/common/SymbolLabel.h"
+#include "ui/common/FloatingPanel.h"
 #include "ui/common/TextLabel.h"
 #include "ui/text/ShownText.h"
 
-#include <QPainter>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -21,28 +21,13 @@ constexpr int margin = 12;
 constexpr int besideButton = 160; ///< the map's own, in its corner
 constexpr double minimumSpan = 0.01;
 
-class Panel final : public QWidget {
-public:
-    using QWidget::QWidget;
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const auto& colors = Colors::of(this);
-        painter.setBrush(withAlpha(colors.panel, 240));
-        painter.setPen(QPen(colors.controlBorder, 1));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 10, 10);
-    }
-};
-
 } // namespace
 
 BluetoothLastSeenMap::BluetoothLastSeenMap(ViewContext& context, QWidget* parent)
     : QWidget(parent),
       m_context(context),
       m_map(new MapView(context.tiles())),
-      m_caption(new Panel(this)),
+      m_caption(new FloatingPanel(this)),
       m_title(new SymbolLabel(TextSize::headline)),
       m_lastSeen(new TextLabel({}, TextSize::caption, Tint::secondary)) {
     auto* layout = new QVBoxLayout(this);

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/mesh/MeshMap.h"
 
+#include "ui/common/FloatingPanel.h"
 #include "ui/common/UnavailableView.h"
 #include "ui/mesh/MeshRows.h"
 #include "ui/mesh/NodeMenu.h"
 
-#include <QPainter>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -21,22 +21,6 @@ MapCoordinate coordinateOf(const MeshPosition& position) {
     return {position.latitude, position.longitude};
 }
 
-/// The words over an empty map stay readable on it.
-class Plate final : public QWidget {
-public:
-    using QWidget::QWidget;
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const auto& colors = Colors::of(this);
-        painter.setPen(QPen(colors.controlBorder, 1));
-        painter.setBrush(withAlpha(colors.panel, 235));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 12, 12);
-    }
-};
-
 } // namespace
 
 MeshMap::MeshMap(ViewContext& context, MovementTrail& trail, QWidget* parent)
@@ -50,7 +34,7 @@ MeshMap::MeshMap(ViewContext& context, MovementTrail& trail, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_map);
-    auto* plate = new Plate(this);
+    auto* plate = new FloatingPanel(this);
     auto* plateLayout = new QVBoxLayout(plate);
     plateLayout->setContentsMargins(0, 0, 0, 0);
     plateLayout->addWidget(m_waiting);

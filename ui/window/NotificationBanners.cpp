@@ -3,6 +3,7 @@
 #include "ui/window/NotificationBanners.h"
 
 #include "ui/common/Spoken.h"
+#include "ui/common/FloatingPanel.h"
 #include "ui/common/SymbolView.h"
 #include "ui/common/TextLabel.h"
 #include "ui/text/ShownText.h"
@@ -10,7 +11,6 @@
 #include <QAccessible>
 #include <QEvent>
 #include <QHBoxLayout>
-#include <QPainter>
 #include <QVBoxLayout>
 
 #include <chrono>
@@ -24,7 +24,7 @@ constexpr int bannerWidth = 360;
 constexpr int mostBanners = 3;
 constexpr int belowToolbar = 62;
 
-class Banner final : public QWidget {
+class Banner final : public FloatingPanel {
 public:
     Banner(const Notification& notification, Scheduler& scheduler)
         : m_isAlarm(notification.sound == NotificationSound::critical) {
@@ -57,14 +57,6 @@ public:
 
 protected:
     void mouseReleaseEvent(QMouseEvent*) override { leave(); }
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const auto& colors = Colors::of(this);
-        painter.setPen(QPen(colors.controlBorder, 1));
-        painter.setBrush(colors.panel);
-        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 11, 11);
-    }
 
 private:
     bool m_isAlarm;
