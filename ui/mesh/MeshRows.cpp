@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/mesh/MeshRows.h"
 
+#include "core/base/Text.h"
 #include "radio/SerialPorts.h"
 #include "ui/text/ShownText.h"
 
@@ -48,10 +49,11 @@ QString hexName(std::uint32_t number) {
 }
 
 QString title(const MeshNode& node) {
-    if (!node.longName.empty())
-        return shownLine(node.longName);
-    if (!node.shortName.empty())
-        return shownLine(node.shortName);
+    // A name of nothing but blanks is none.
+    for (const auto* name : {&node.longName, &node.shortName}) {
+        if (!trimmed(*name).empty())
+            return shownLine(*name);
+    }
     return hexName(node.number);
 }
 

@@ -42,6 +42,7 @@ TEST_F(MeshRowsTest, namesANodeByTheBestItHas) {
     EXPECT_EQ(heard.tint, Tint::orange);
     EXPECT_EQ(helpsOf(heard),
               (QStringList{QStringLiteral("Directly heard by the base"), QStringLiteral("Has a position")}));
+    EXPECT_EQ(MeshRows::title(node(7).named(" ").shortNamed("\u2003")), QStringLiteral("!00000007"));
     EXPECT_EQ(MeshRows::nodeRow(node(7), false, true, context).symbol, QStringLiteral("cable.connector"));
 }
 
