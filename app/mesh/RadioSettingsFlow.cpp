@@ -76,7 +76,7 @@ void RadioSettingsFlow::readBackAfterRestart() {
 
 void RadioSettingsFlow::receive(const std::optional<MeshtasticRadioSettings>& settings) {
     m_settings.set(settings);
-    m_status.radioSettingsState.set("Loaded from radio");
+    m_status.radioSettingsState.set(loadedState);
 }
 
 } // namespace nightjar

@@ -17,6 +17,9 @@ namespace nightjar {
 /// Reads the LoRa settings of the connected radio, and writes them and reads them back. Main thread.
 class RadioSettingsFlow {
 public:
+    /// The status while the settings are those that the radio has told.
+    static constexpr const char* loadedState = "Loaded from radio";
+
     RadioSettingsFlow(RadioLink& radio, Scheduler& scheduler, const BaseConnection& connection,
                       MeshStatus& status, Announcer settings);
 

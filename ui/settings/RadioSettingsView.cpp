@@ -118,6 +118,11 @@ void RadioSettingsView::buildFoot() {
 
 void RadioSettingsView::listen() {
     connect(&m_model, &NightjarModel::loraConfigChanged, this, &RadioSettingsView::followRadio);
+    // A reading that brought nothing new still replaces the draft: what is shown is said to be the radio's.
+    connect(&m_model, &NightjarModel::radioSettingsStateChanged, this, [this] {
+        if (m_model.radioSettingsState() == RadioSettingsFlow::loadedState)
+            followRadio();
+    });
     connect(&m_model, &NightjarModel::connectedPortChanged, this, &RadioSettingsView::dropConfirmation);
     for (auto changed : {&NightjarModel::connectedPortChanged, &NightjarModel::availablePortsChanged,
                          &NightjarModel::connectionStateChanged, &NightjarModel::radioSettingsStateChanged})

@@ -115,6 +115,13 @@ TEST_F(RadioSettingsViewTest, aReadingReplacesTheDraftAndItsQuestion) {
     EXPECT_EQ(hops().value(), 3);
     EXPECT_EQ(control<QSpinBox>("Frequency slot").value(), 12);
     EXPECT_FALSE(isEnabled("Apply to Radio"));
+
+    hops().setValue(5);
+    settle();
+    click("Read from Radio");
+    EXPECT_EQ(hops().value(), 5);
+    radioTells(told);
+    EXPECT_EQ(hops().value(), 3) << "shown as what the radio holds";
 }
 
 TEST_F(RadioSettingsViewTest, aRadioThatGoesTakesTheQuestionAlongAndLeavesTheDraft) {
