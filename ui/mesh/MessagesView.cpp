@@ -6,6 +6,7 @@
 #include "ui/common/Buttons.h"
 #include "ui/common/TextLabel.h"
 #include "ui/common/UnavailableView.h"
+#include "ui/common/WheelGuard.h"
 #include "ui/mesh/MeshRows.h"
 #include "ui/mesh/MessageList.h"
 #include "ui/text/ShownText.h"
@@ -93,6 +94,7 @@ void MessagesView::addPicker(QHBoxLayout& head, const QString& label, QComboBox&
     auto* text = new TextLabel(label, TextSize::body, Tint::secondary);
     text->setBuddy(&picker);
     picker.setAccessibleName(label);
+    guardFromWheel(&picker); // nobody writes to another by scrolling
     picker.setSizeAdjustPolicy(QComboBox::AdjustToContents);
     picker.setMinimumWidth(narrowestPicker); // its text is cut short before the title is
     picker.setMaximumWidth(widestPicker);
