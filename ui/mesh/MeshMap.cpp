@@ -58,6 +58,10 @@ MeshMap::MeshMap(ViewContext& context, MovementTrail& trail, QWidget* parent)
           &M::parkedPositionChanged, &M::parkingRadiusChanged, &M::guardProfileChanged})
         connect(&context.model(), signal, &m_refresh, &Coalesced::request);
     connect(&trail, &MovementTrail::changed, &m_refresh, &Coalesced::request);
+    connect(&context, &ViewContext::timePassed, this, [this] {
+        if (m_trail.movementNodeID())
+            m_refresh.request(); // its oldest positions leave it
+    });
     refresh();
 }
 
