@@ -46,6 +46,8 @@ public:
     [[nodiscard]] const std::vector<LocalNetworkDevice>& devices() const { return m_devices.list(); }
     [[nodiscard]] const std::string& state() const { return m_state.get(); }
     [[nodiscard]] bool isScanning() const { return m_isScanning.get(); }
+    /// Whether departures would be noticed: a scan runs and the network is heard.
+    [[nodiscard]] bool isWatching() const { return m_isBrowsing && !m_isBlind; }
     [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_errorMessage.get(); }
     void setErrorMessage(const std::optional<std::string>& sentence);
 

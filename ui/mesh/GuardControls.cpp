@@ -9,6 +9,8 @@
 #include "ui/common/Spoken.h"
 #include "ui/common/SymbolView.h"
 #include "ui/common/TextLabel.h"
+#include "ui/common/WheelGuard.h"
+#include "ui/mesh/GuardWarning.h"
 #include "ui/mesh/MeshRows.h"
 #include "ui/text/ShownText.h"
 
@@ -18,11 +20,10 @@
 
 namespace nightjar {
 
-GuardState GuardState::of(const NightjarModel& model, const MeshNode& node, Date now) {
+GuardState GuardState::of(const NightjarModel& model, const MeshNode& node) {
     GuardState state;
     state.canMark = node.position.has_value();
     state.isMarked = model.parkedPosition().has_value();
-    state.isOutOfSight = node.reachability(now) == MeshNodeReachability::stale();
     if (!state.canMark || !state.isMarked) {
         state.distance = QStringLiteral("Not reported");
         return state;
@@ -45,9 +46,8 @@ GuardControls::GuardControls(ViewContext& context, QWidget* parent)
     m_distance = card->addMetric(QStringLiteral("Distance"));
     m_status = card->addMetric(QStringLiteral("Status"));
     addAlarm(*card);
-    m_outOfSight = card->addNote(
-        QStringLiteral("This device has not been heard for more than an hour. It may have moved since."));
-    m_outOfSight->setTint(Tint::orange);
+    m_warning = card->addNote({});
+    m_warning->setTint(Tint::orange);
     addButtons();
 }
 
@@ -61,6 +61,7 @@ void GuardControls::addProfile(Card& card) {
         m_profile->addItem(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
     }
     m_profile->setAccessibleName(QStringLiteral("Profile"));
+    guardFromWheel(m_profile);
     connect(m_profile, &QComboBox::activated, this, [this](int place) {
         m_context.model().setGuardProfile(guardProfiles[static_cast<std::size_t>(place)]);
     });
@@ -96,14 +97,16 @@ void GuardControls::addButtons() {
 
 void GuardControls::refresh(const MeshNode& node) {
     const auto& model = m_context.model();
-    const auto state = GuardState::of(model, node, m_context.now());
+    const auto state = GuardState::of(model, node);
+    const auto warning = GuardWarning::of(model, m_context.now());
     m_profile->setCurrentIndex(static_cast<int>(model.guardProfile()));
     m_radius->setValue(MeshRows::metres(model.parkingRadius()));
     m_distance->setValue(state.distance);
     m_status->setValue(shownLine(model.parkingStatus()));
 
     m_alarm->setVisible(state.isMarked && state.canMark);
-    const Tint tint = state.isInside ? Tint::green : Tint::orange;
+    // Green would promise more than is known.
+    const Tint tint = !state.isInside ? Tint::orange : warning ? Tint::secondary : Tint::green;
     m_alarmSymbol->show(state.isInside ? QStringLiteral("checkmark.shield.fill")
                                        : QStringLiteral("exclamationmark.triangle.fill"),
                         tint);
@@ -111,7 +114,8 @@ void GuardControls::refresh(const MeshNode& node) {
                                         : QStringLiteral("Outside marked area"));
     m_alarmText->setTint(tint);
     m_alarm->setAccessibleName(QStringLiteral("Alarm: ") + m_alarmText->text());
-    m_outOfSight->setVisible(state.isMarked && state.isOutOfSight);
+    m_warning->setText(warning ? warning->text : QString());
+    m_warning->setVisible(warning.has_value());
 
     const FocusHeirs heirs(*this, {m_mark, m_profile});
     m_mark->setText(state.isMarked ? QStringLiteral("Update Marked Position")

@@ -20,13 +20,12 @@ class TextLabel;
 
 /// What an inspector tells of a guard, without a widget.
 struct GuardState {
-    QString distance;          ///< from the marked position
-    bool isMarked = false;     ///< a position is marked
-    bool isInside = false;     ///< the latest position lies in the marked area
-    bool canMark = false;      ///< there is a position to mark
-    bool isOutOfSight = false; ///< the node has not been heard for so long that it may have moved unseen
+    QString distance;      ///< from the marked position
+    bool isMarked = false; ///< a position is marked
+    bool isInside = false; ///< the latest position lies in the marked area
+    bool canMark = false;  ///< there is a position to mark
 
-    [[nodiscard]] static GuardState of(const NightjarModel& model, const MeshNode& node, Date now);
+    [[nodiscard]] static GuardState of(const NightjarModel& model, const MeshNode& node);
 };
 
 /// Everything about the guard of the guarded node.
@@ -51,7 +50,7 @@ private:
     QWidget* m_alarm = nullptr;
     SymbolView* m_alarmSymbol = nullptr;
     TextLabel* m_alarmText = nullptr;
-    TextLabel* m_outOfSight = nullptr;
+    TextLabel* m_warning = nullptr;
     QPushButton* m_mark = nullptr;
     QPushButton* m_clear = nullptr;
 };

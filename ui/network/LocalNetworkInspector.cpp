@@ -8,6 +8,7 @@
 #include "ui/common/FocusHeirs.h"
 #include "ui/common/InspectorPage.h"
 #include "ui/common/SwitchControl.h"
+#include "ui/common/TextLabel.h"
 #include "ui/common/UnavailableView.h"
 #include "ui/network/LocalNetworkRows.h"
 #include "ui/network/ServiceRow.h"
@@ -47,7 +48,9 @@ LocalNetworkInspector::LocalNetworkInspector(ViewContext& context, Selection& se
     connectControls();
 
     const auto& browser = context.localNetwork();
-    connect(&browser, &LocalNetworkBrowser::devicesChanged, &m_refresh, &Coalesced::request);
+    using N = LocalNetworkBrowser;
+    for (const auto signal : {&N::devicesChanged, &N::isScanningChanged, &N::stateChanged})
+        connect(&browser, signal, &m_refresh, &Coalesced::request);
     connect(&selection, &Selection::changed, &m_refresh, &Coalesced::request);
     connect(&context, &ViewContext::timePassed, &m_refresh, &Coalesced::request);
     refresh();
@@ -71,6 +74,9 @@ void LocalNetworkInspector::addTracking() {
                                        "Nightjar sends one alert when it leaves and one update when it "
                                        "returns."));
     m_monitor = m_tracking->addMetric(QStringLiteral("Monitor"));
+    m_unwatched = m_tracking->addNote(
+        QStringLiteral("The Local Network is not being watched at present: no alert can come."));
+    m_unwatched->setTint(Tint::orange);
     m_tracking->addButton(m_stopTracking = makeButton(QStringLiteral("Stop Tracking")));
     m_page->addWidget(m_track = makeButton(QStringLiteral("Track This Device"), ButtonLook::prominent));
 }
@@ -111,6 +117,7 @@ void LocalNetworkInspector::show(const LocalNetworkDevice& device) {
     m_alert->show(device.lossAlertEnabled);
     m_delay->show(device.lossAlertDelay);
     m_monitor->setVisible(device.lossAlertEnabled);
+    m_unwatched->setVisible(device.lossAlertEnabled && !m_context.localNetwork().isWatching());
     m_monitor->setValue(shownLine(m_context.localNetwork().monitoringStatus(device)));
     showServices(device.serviceTypes);
 }

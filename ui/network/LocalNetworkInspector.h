@@ -17,6 +17,7 @@ class DelayPicker;
 class InspectorPage;
 class MetricRow;
 class SwitchControl;
+class TextLabel;
 class UnavailableView;
 
 /// What is known of the chosen device of the local network, and its departure alert.
@@ -47,6 +48,7 @@ private:
     SwitchControl* m_alert;
     DelayPicker* m_delay;
     MetricRow* m_monitor;
+    TextLabel* m_unwatched;
     QPushButton* m_stopTracking;
     QPushButton* m_track;
     Card* m_services;

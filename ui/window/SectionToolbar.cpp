@@ -9,6 +9,7 @@
 #include "ui/mesh/MeshMap.h"
 #include "ui/mesh/MeshSection.h"
 #include "ui/text/ShownText.h"
+#include "ui/window/WatchWarning.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
@@ -40,6 +41,7 @@ SectionToolbar::SectionToolbar(ViewContext& context, const Sections& sections, Q
     layout->setContentsMargins(14, 10, 14, 11);
     layout->setSpacing(8);
     layout->addWidget(m_network);
+    layout->addWidget(new WatchWarning(context));
     layout->addStretch();
     layout->addWidget(m_scan);
     buildMeshControls(*layout);

@@ -4,7 +4,7 @@
 
 #include "tests/support/ModelRig.h"
 #include "ui/map/MapTiles.h"
-#include "ui/mesh/GuardControls.h"
+#include "ui/mesh/GuardWarning.h"
 
 #include <gtest/gtest.h>
 
@@ -84,6 +84,43 @@ TEST_F(MeshRowsTest, groupsTheGuardedNodeFirst) {
     EXPECT_EQ(sections[0].ids, (std::vector<std::string>{"3"}));
     EXPECT_EQ(sections[1].ids, (std::vector<std::string>{"7", "1"}));
     EXPECT_EQ(sections[2].ids, (std::vector<std::string>{"2"}));
+}
+
+TEST_F(MeshRowsTest, warnsWhereTheGuardWouldNotSeeAMovement) {
+    auto& model = *rig.model;
+    const auto brief = [&] {
+        const auto warning = GuardWarning::of(model, rig.scheduler.now());
+        return warning ? warning->brief.toStdString() : std::string();
+    };
+    const auto hear = [&](Seconds fixedAfter) {
+        auto position = testing::positionAt(52, 5);
+        position.timestamp = rig.scheduler.now() + fixedAfter;
+        rig.hear(node(3).seen(rig.scheduler.now()).hops(0).at(position));
+    };
+    hear(Seconds{0});
+    EXPECT_EQ(brief(), "");
+    model.setGuarded(MeshNode(node(3)));
+    EXPECT_EQ(brief(), "Guard without a marked position");
+    model.markGuardedPosition();
+    EXPECT_EQ(brief(), "");
+
+    rig.scheduler.advance(std::chrono::minutes(61));
+    EXPECT_EQ(brief(), "Guarded device not heard recently");
+    rig.hear(node(3).seen(rig.scheduler.now()).hops(0).at(52, 5));
+    EXPECT_EQ(brief(), "Position of guarded device is old");
+    rig.hear(node(3).seen(rig.scheduler.now()).hops(0));
+    EXPECT_EQ(brief(), "Guarded device tells no position");
+
+    hear(std::chrono::hours(9));
+    model.markGuardedPosition();
+    hear(Seconds{0});
+    EXPECT_EQ(brief(), "Guard blind · marked position is newer");
+
+    rig.event({.event = MeshtasticBridgeEvent::disconnected});
+    EXPECT_EQ(brief(), "Guard blind · no base radio");
+    model.connect(testing::ModelRig::port);
+    rig.radio->connects.back().done(testing::ModelRig::port);
+    EXPECT_EQ(brief(), "Guarded device not heard yet");
 }
 
 } // namespace

@@ -74,8 +74,8 @@ TEST_F(MeshSectionTest, guardsMarksAndStopsFromTheInspector) {
     rig.scheduler.advance(std::chrono::hours(2));
     Q_EMIT context.timePassed();
     settle();
-    EXPECT_TRUE(
-        ui::shows(window, "This device has not been heard for more than an hour. It may have moved since."));
+    EXPECT_TRUE(ui::shows(
+        window, "The guarded device has not been heard for more than an hour. It may have moved since."));
 
     click("Clear");
     EXPECT_FALSE(model().parkedPosition());

@@ -126,7 +126,11 @@ TEST_F(LocalNetworkSectionTest, itsControlsDoWhatTheySay) {
 
     click(section->inspector(), "Alert when this device leaves the network");
     EXPECT_TRUE(printer().lossAlertEnabled);
-    EXPECT_THAT(texts(section->inspector()), HasSubstr("Monitor\nOnline · alarm armed"));
+    EXPECT_THAT(texts(section->inspector()),
+                AllOf(HasSubstr("Monitor\nOnline · alarm armed"), Not(HasSubstr("no alert can come"))));
+    network.tell({.kind = ServiceBrowserState::Kind::waiting});
+    settle();
+    EXPECT_THAT(texts(section->inspector()), HasSubstr("no alert can come"));
 
     auto* picker = control<DelayPicker>(section->inspector(), "Alert after");
     picker->setFocus();

@@ -115,6 +115,28 @@ TEST_F(NightjarAppTest, watchesRunWhileTheirSectionIsOnScreen) {
     EXPECT_FALSE(bluetooth.finderSoundEnabled());
 }
 
+TEST_F(NightjarAppTest, tellsOnEverySectionWhatIsNotWatched) {
+    startConnected();
+    auto& model = app->model();
+    auto& network = model.localNetwork();
+    hear(node(42).seen(rig.scheduler.now()).at(52, 5));
+    model.setGuarded(MeshNode(node(42)));
+    model.markGuardedPosition();
+    window().setNetwork(NetworkSection::localNetwork);
+    rig.network.announce({.name = "Printer", .type = "_ipp._tcp", .domain = "local."});
+    network.setLossAlert(true, "printer|local.");
+    ui::settle();
+    EXPECT_FALSE(ui::shows(window(), "Guard blind · no base radio"));
+    EXPECT_FALSE(ui::shows(window(), "Alerts off: Local Network"));
+
+    window().setNetwork(NetworkSection::bluetooth);
+    ui::settle();
+    EXPECT_TRUE(ui::shows(window(), "Alerts off: Local Network"));
+    radio->connects.back().listener.onLost({.kind = MeshRadioError::Kind::bridgeStopped});
+    ui::settle();
+    EXPECT_TRUE(ui::shows(window(), "Guard blind · no base radio · Alerts off: Local Network"));
+}
+
 TEST_F(NightjarAppTest, beginsWithTheSectionOfLastTime) {
     rig.preferences.setString("main.selectedNetwork", "Local Network");
     start();
