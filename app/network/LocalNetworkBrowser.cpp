@@ -183,6 +183,10 @@ std::string LocalNetworkBrowser::monitoringStatus(const LocalNetworkDevice& devi
     return std::string(m_departures.status(device));
 }
 
+bool LocalNetworkBrowser::isWatching() const {
+    return m_isBrowsing && !m_isBlind && state() != NetworkTexts::failed;
+}
+
 void LocalNetworkBrowser::tellImportant() {
     m_platform.services.setImportant([this](const ServiceInstance& instance) {
         const auto* device = deviceWith(LocalNetworkDevice::identifier(instance.name, instance.domain));

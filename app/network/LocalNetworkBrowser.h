@@ -47,7 +47,7 @@ public:
     [[nodiscard]] const std::string& state() const { return m_state.get(); }
     [[nodiscard]] bool isScanning() const { return m_isScanning.get(); }
     /// Whether departures would be noticed: a scan runs and the network is heard.
-    [[nodiscard]] bool isWatching() const { return m_isBrowsing && !m_isBlind; }
+    [[nodiscard]] bool isWatching() const;
     [[nodiscard]] const std::optional<std::string>& errorMessage() const { return m_errorMessage.get(); }
     void setErrorMessage(const std::optional<std::string>& sentence);
 

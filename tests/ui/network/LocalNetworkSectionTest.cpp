@@ -128,9 +128,13 @@ TEST_F(LocalNetworkSectionTest, itsControlsDoWhatTheySay) {
     EXPECT_TRUE(printer().lossAlertEnabled);
     EXPECT_THAT(texts(section->inspector()),
                 AllOf(HasSubstr("Monitor\nOnline · alarm armed"), Not(HasSubstr("no alert can come"))));
-    network.tell({.kind = ServiceBrowserState::Kind::waiting});
-    settle();
-    EXPECT_THAT(texts(section->inspector()), HasSubstr("no alert can come"));
+    for (const auto trouble : {ServiceBrowserState::Kind::waiting, ServiceBrowserState::Kind::failed}) {
+        network.tell({.kind = trouble});
+        settle();
+        EXPECT_THAT(texts(section->inspector()), HasSubstr("no alert can come"));
+        announce(service("Laptop " + std::to_string(static_cast<int>(trouble))));
+        EXPECT_THAT(texts(section->inspector()), Not(HasSubstr("no alert can come")));
+    }
 
     auto* picker = control<DelayPicker>(section->inspector(), "Alert after");
     picker->setFocus();
