@@ -56,7 +56,8 @@ void giveLargeBlocksBack() {
 
 int run(HeadlessProgram& program) {
     const EndSignals signals;
-    QObject::connect(&signals, &EndSignals::endRequested, qApp, &QCoreApplication::quit);
+    QObject::connect(&signals, &EndSignals::endRequested, QCoreApplication::instance(),
+                     &QCoreApplication::quit);
     program.start();
     QCoreApplication::exec();
     return program.finish();
@@ -124,7 +125,8 @@ bool hasScreen() {
 
 bool isWaylandPreferred() {
     const auto says = [](const char* variable, std::string_view word) {
-        return isSet(variable) && std::string_view(std::getenv(variable)).find(word) != std::string_view::npos;
+        return isSet(variable) &&
+               std::string_view(std::getenv(variable)).find(word) != std::string_view::npos;
     };
     return says("XDG_SESSION_TYPE", "wayland") && !says("XDG_CURRENT_DESKTOP", "GNOME");
 }
