@@ -27,10 +27,11 @@ function(nightjar_module name)
   endif()
 endfunction()
 
-# nightjar_test(<name> SOURCES … LINKS … [LABELS …] [QT | WIDGETS])
-# QT runs it with an event loop, WIDGETS with windows that no screen shows.
+# nightjar_test(<name> SOURCES … LINKS … [LABELS …] [QT | WIDGETS] [COST …])
+# QT runs it with an event loop, WIDGETS with windows that no screen shows. What waits for real time has a COST in
+# seconds, so that it begins before the others.
 function(nightjar_test name)
-  cmake_parse_arguments(TEST "QT;WIDGETS" "" "SOURCES;LINKS;LABELS" ${ARGN})
+  cmake_parse_arguments(TEST "QT;WIDGETS" "COST" "SOURCES;LINKS;LABELS" ${ARGN})
   add_executable(${name} ${TEST_SOURCES})
   target_link_libraries(${name} PRIVATE nightjar_flags ${TEST_LINKS} GTest::gmock)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
@@ -54,6 +55,9 @@ function(nightjar_test name)
   set(properties TIMEOUT 120)
   if(TEST_LABELS)
     list(APPEND properties LABELS "${TEST_LABELS}")
+  endif()
+  if(TEST_COST)
+    list(APPEND properties COST ${TEST_COST})
   endif()
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 
